@@ -1,0 +1,31 @@
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace brevanta {
+
+std::string formatFixed(double number, int decimals)
+{
+    std::array<char, 400> digits {}; // The largest double has 309 digits before its point.
+    const auto [end, error]
+        = std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed, decimals);
+    return error == std::errc {} ? std::string(digits.data(), end) : std::string {};
+}
+
+std::string singleLine(std::string_view text)
+{
+    std::string line(text);
+    std::ranges::replace_if(
+        line, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+    return line;
+}
+
+std::size_t codePointCount(std::string_view utf8)
+{
+    return static_cast<std::size_t>(
+        std::ranges::count_if(utf8, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace brevanta {
+
+// The number with exactly `decimals` digits behind a point, whatever the process's locale: printf's "%.2f" in the C
+// locale. Infinity and not-a-number read "inf" and "nan".
+[[nodiscard]] std::string formatFixed(double number, int decimals);
+
+// The text on one line: line feeds, carriage returns, tabs and other control characters become spaces.
+[[nodiscard]] std::string singleLine(std::string_view text);
+
+// How many Unicode code points the UTF-8 text has; each byte that starts none counts as nothing.
+[[nodiscard]] std::size_t codePointCount(std::string_view utf8);
+
+}

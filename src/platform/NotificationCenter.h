@@ -1,0 +1,38 @@
+#pragma once
+
+#include <expected>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace brevanta {
+
+struct Notification {
+    std::string identifier; // A later notification with the same identifier takes this one's place.
+    std::string title;
+    std::string body; // Plain text; the adapter escapes what its service would read as markup.
+
+    bool operator==(const Notification&) const = default;
+};
+
+struct NotificationError {
+    std::string message;
+
+    bool operator==(const NotificationError&) const = default;
+};
+
+// The system's notifications. Main thread only.
+class NotificationCenter {
+public:
+    virtual ~NotificationCenter() = default;
+
+    // Delivers the notification at once. `onEnd` is called exactly once on the main thread, after this call returned.
+    virtual void add(
+        const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd)
+        = 0;
+
+    // Takes delivered notifications off the screen and out of the list; unknown identifiers are ignored.
+    virtual void removeDelivered(const std::vector<std::string>& identifiers) = 0;
+};
+
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace brevanta {
+
+using DefaultsValue = std::variant<bool, std::int64_t, double, std::string, std::vector<std::int64_t>>;
+
+// The application's small persistent store. Main thread only.
+class UserDefaults {
+public:
+    virtual ~UserDefaults() = default;
+
+    // The stored value; nothing when the key is absent or holds something of none of the five shapes. A boolean is
+    // never read as a number, nor a number as a boolean.
+    [[nodiscard]] virtual std::optional<DefaultsValue> get(std::string_view key) const = 0;
+
+    // Stores the value so that the next `get`, and the next start of the application, sees it. A write that fails keeps
+    // the value for this process and leaves what is stored as it was.
+    virtual void set(std::string_view key, const DefaultsValue& value) = 0;
+
+    // Removing an absent key does nothing.
+    virtual void remove(std::string_view key) = 0;
+};
+
+}
