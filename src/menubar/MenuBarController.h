@@ -1,0 +1,79 @@
+#pragma once
+
+#include "daemon/DaemonCredentialRecovery.h"
+#include "menubar/CoinNotices.h"
+#include "menubar/PollLoop.h"
+#include "menubar/StatusMenu.h"
+#include "menubar/TokenWatchdog.h"
+#include "notify/NotificationHelper.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace brevanta {
+
+class ComponentHealth;
+class StatusConsumer;
+class SystemLog;
+class WebShell;
+
+// Owns the status item's content and the poll loop that drives the client: each status is handed on in one fixed order.
+// Created once at launch; main thread only.
+class MenuBarController final : private PollObserver {
+public:
+    struct Dependencies {
+        MainLoop& mainLoop;
+        Clock& clock;
+        SystemLog& log;
+        StatusItem& statusItem;
+        NotificationCenter& notifications;
+        DaemonClient& daemonClient;
+        ComponentHealth& health;
+        WebShell* webShell; // Null while the client has no web application to show.
+        std::vector<StatusConsumer*> consumers; // In the order in which each status is handed to them.
+        std::string version;
+        std::function<void()> openWindow;
+        std::function<void()> quit;
+    };
+
+    // Shows the status item at once, with nothing known yet.
+    explicit MenuBarController(Dependencies dependencies);
+    ~MenuBarController() override;
+
+    // Begins to poll. Called once.
+    void start();
+
+    // How long after launch a service that does not answer counts as starting. The service's own start takes a few
+    // seconds after a login; the length is that of the grace period after an install.
+    static constexpr double startUpGrace = 20;
+
+private:
+    [[nodiscard]] std::optional<Json> filterHealthReport() override;
+    void pollEnded(double startedAt, const PollResult& result) override;
+    void pollOverdue() override;
+
+    void statusArrived(const std::shared_ptr<const BlockingStatus>& status, double startedAt);
+    void statusFailed(const DaemonFailure& failure, double startedAt);
+    void postCoinNotices(const BlockingStatus& status);
+    void runTokenWatchdog(const TokenWatchdog::Event& event);
+    void requestCredentialIfMissing(const BlockingStatus& status);
+    void signalPage(const std::string& line);
+    void rememberDisplay(const BlockingStatus& status);
+    void forgetDisplay();
+    void refreshStatusItem();
+    void chosen(MenuItemId item);
+
+    Dependencies m_dependencies;
+    double m_startedAt;
+    StatusMenuState m_state;
+    std::string m_lastFailure; // What the log was last told of; empty while the service answers.
+    NotificationHelper m_notificationHelper;
+    CoinNotices m_coinNotices;
+    TokenWatchdog m_tokenWatchdog;
+    DaemonCredentialRecovery m_credentialRecovery;
+    PollLoop m_pollLoop;
+};
+
+}
