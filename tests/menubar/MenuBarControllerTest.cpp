@@ -1,0 +1,292 @@
+#include "menubar/MenuBarController.h"
+
+#include "daemon/DaemonClient.h"
+#include "daemon/StatusConsumer.h"
+#include "fakes/FakeDaemonTransport.h"
+#include "fakes/FakeMainLoop.h"
+#include "fakes/FakePorts.h"
+#include "fakes/FakeWebShell.h"
+#include "fakes/ManualExecutor.h"
+#include "filter/UnobservedHealth.h"
+#include "support/StatusReply.h"
+
+#include <gtest/gtest.h>
+
+namespace brevanta {
+
+namespace {
+
+    constexpr int blockingTag = 100;
+
+    class RecordingConsumer final : public StatusConsumer {
+    public:
+        void consume(const std::shared_ptr<const BlockingStatus>& status) override { seen.push_back(status); }
+
+        std::vector<std::shared_ptr<const BlockingStatus>> seen;
+    };
+
+    enum class Page { present, absent };
+
+    class MenuBarControllerTest : public testing::Test {
+    protected:
+        void start(Page page = Page::present)
+        {
+            controller = std::make_unique<MenuBarController>(MenuBarController::Dependencies {
+                .mainLoop = mainLoop,
+                .clock = clock,
+                .log = log,
+                .statusItem = statusItem,
+                .notifications = notifications,
+                .daemonClient = client,
+                .health = health,
+                .webShell = page == Page::present ? &webShell : nullptr,
+                .consumers = { &firstConsumer, &secondConsumer },
+                .version = "1.2.3",
+                .openWindow = [this] { ++windowOpened; },
+                .quit = [this] { ++quits; },
+            });
+            controller->start();
+            settle();
+        }
+
+        void settle()
+        {
+            queue.runAll();
+            mainLoop.runPosted();
+        }
+
+        // One tick of the poll, answered at once.
+        void tick()
+        {
+            mainLoop.advance(PollLoop::interval);
+            settle();
+        }
+
+        void answer(const Json& additions) { reply = statusReply(additions).dump(); }
+        void answer(DaemonError::Kind kind) { reply = std::unexpected(DaemonError { kind, {} }); }
+
+        std::vector<std::string> notices() const
+        {
+            std::vector<std::string> identifiers;
+            for (const auto& notification : notifications.added)
+                identifiers.push_back(notification.identifier);
+            return identifiers;
+        }
+
+        FakeClock clock;
+        FakeMainLoop mainLoop { clock };
+        ManualExecutor queue;
+        FakeSystemLog log;
+        FakeStatusItem statusItem;
+        FakeNotificationCenter notifications { mainLoop };
+        FakeWebShell webShell;
+        UnobservedHealth health;
+        RecordingConsumer firstConsumer;
+        RecordingConsumer secondConsumer;
+        int windowOpened { 0 };
+        int quits { 0 };
+        int requests { 0 };
+        FakeDaemonTransport::Answer reply { statusReply().dump() };
+        DaemonClient client { std::make_unique<FakeDaemonTransport>([this](const Json&) {
+            ++requests;
+            return reply;
+        }),
+            queue, mainLoop };
+        std::unique_ptr<MenuBarController> controller;
+    };
+
+}
+
+TEST_F(MenuBarControllerTest, ShowsUnknownBeforeTheFirstReplyAndPollsAtOnceAndThenEveryTwoSeconds)
+{
+    controller = nullptr;
+    start();
+    EXPECT_EQ(requests, 1);
+    mainLoop.advance(1.99);
+    settle();
+    EXPECT_EQ(requests, 1);
+    mainLoop.advance(0.02);
+    settle();
+    EXPECT_EQ(requests, 2);
+    for (int index = 0; index < 30; ++index)
+        tick();
+    EXPECT_EQ(requests, 32);
+}
+
+TEST_F(MenuBarControllerTest, TheMenuFollowsTheService)
+{
+    answer({ { "should_block", true }, { "energy", 5 }, { "active_task_title", "Write" }, { "block_reason", "Focus" } });
+    start();
+    EXPECT_EQ(statusItem.content.image, StatusImage::block);
+    EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking: Active (5.00 Coins)");
+    EXPECT_EQ(statusItem.visibleTitle(102), "Active: Write");
+    EXPECT_EQ(statusItem.visibleTitle(101), "Reason: Focus");
+    EXPECT_EQ(statusItem.content.menu.items[1].title, "Brevanta 1.2.3");
+
+    answer({ { "should_block", false }, { "energy", 6.5 } });
+    tick();
+    EXPECT_EQ(statusItem.content.image, StatusImage::open);
+    EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking: Inactive (6.50 Coins)");
+    EXPECT_FALSE(statusItem.visibleTitle(102) || statusItem.visibleTitle(101));
+}
+
+TEST_F(MenuBarControllerTest, AFailedPollShowsUnknownAndTheLoopGoesOn)
+{
+    start();
+    answer(DaemonError::Kind::connectionFailed);
+    tick();
+    EXPECT_EQ(statusItem.content.image, StatusImage::unknown);
+    EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking service starting");
+    while (clock.continuousSeconds() < 1000 + MenuBarController::startUpGrace - 2)
+        tick();
+    EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking service starting");
+    tick();
+    EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking service unreachable");
+
+    answer(Json { { "energy", 9 } });
+    tick();
+    EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking: Active (9.00 Coins)");
+    EXPECT_EQ(log.lines,
+        (std::vector<std::string> { "[MenuBar] status poll failed: connectionFailed",
+            "[MenuBar] the blocking service answers again" }));
+}
+
+TEST_F(MenuBarControllerTest, NothingOfAReplyThatDoesNotDecodeIsApplied)
+{
+    answer({ { "energy", 12 }, { "low_lp_threshold", 10 }, { "notify_macos_low_lp", true } });
+    start();
+    answer({ { "energy", 8 }, { "low_lp_threshold", 10 }, { "notify_macos_low_lp", 1 } });
+    tick();
+    EXPECT_TRUE(notices().empty());
+    EXPECT_EQ(firstConsumer.seen.size(), 1u);
+    EXPECT_EQ(statusItem.content.image, StatusImage::unknown);
+
+    // The balance of the bad reply is not remembered either: the crossing is told by the next good one.
+    answer({ { "energy", 8 }, { "low_lp_threshold", 10 }, { "notify_macos_low_lp", true } });
+    tick();
+    EXPECT_EQ(notices(), std::vector<std::string> { "low-lp" });
+    tick();
+    EXPECT_EQ(notices().size(), 1u);
+}
+
+TEST_F(MenuBarControllerTest, ATickThatFindsAPollInFlightIsSkipped)
+{
+    start();
+    mainLoop.advance(PollLoop::interval);
+    for (int index = 0; index < 100; ++index)
+        mainLoop.advance(PollLoop::interval); // The queue does not get to run: the service hangs.
+    EXPECT_EQ(queue.pending(), 1u);
+    settle();
+    EXPECT_EQ(requests, 2);
+    tick();
+    EXPECT_EQ(requests, 3);
+}
+
+TEST_F(MenuBarControllerTest, APollThatNeverEndsIsNotTakenForProtection)
+{
+    answer({ { "should_block", true }, { "energy", 5 } });
+    start();
+    mainLoop.advance(PollLoop::interval); // This one stays in flight.
+    mainLoop.advance(PollLoop::overdueAfter);
+    EXPECT_EQ(statusItem.content.image, StatusImage::block);
+    mainLoop.advance(PollLoop::interval);
+    EXPECT_EQ(statusItem.content.image, StatusImage::unknown);
+    settle();
+    EXPECT_EQ(statusItem.content.image, StatusImage::block);
+}
+
+TEST_F(MenuBarControllerTest, AnUnchangedReplyChangesNothingOnScreenAndIsHandedOnAsTheSameObject)
+{
+    start();
+    const auto changes = statusItem.changes;
+    tick();
+    tick();
+    EXPECT_EQ(statusItem.changes, changes);
+    ASSERT_EQ(firstConsumer.seen.size(), 3u);
+    EXPECT_EQ(firstConsumer.seen[0], firstConsumer.seen[2]);
+    EXPECT_EQ(secondConsumer.seen, firstConsumer.seen);
+    EXPECT_EQ(webShell.pushed, firstConsumer.seen);
+}
+
+TEST_F(MenuBarControllerTest, ANotificationThatCannotBePostedIsLogged)
+{
+    notifications.failure = NotificationError { "no server" };
+    answer({ { "energy", 3 }, { "low_lp_threshold", 1 } });
+    start();
+    answer({ { "energy", 0 }, { "low_lp_threshold", 1 } });
+    tick();
+    EXPECT_EQ(log.lines, std::vector<std::string> { "[NotificationHelper] add failed: no server" });
+}
+
+TEST_F(MenuBarControllerTest, ThePageIsAskedForTheTokenAndThenReloaded)
+{
+    answer({ { "auth_token_invalid", true } });
+    start();
+    for (int index = 0; index < 5; ++index)
+        tick();
+    EXPECT_EQ(webShell.scripts,
+        std::vector<std::string> { "window.dispatchEvent(new CustomEvent('kestrelune_token_refresh'));" });
+    EXPECT_EQ(webShell.recoveries, 1);
+    EXPECT_EQ(log.standardError,
+        (std::vector<std::string> { "auth_token_invalid: signalled SPA to re-forward daemon token",
+            "auth_token_invalid persisted 5 polls → reloading WebView (attempt 1/5)" }));
+}
+
+TEST_F(MenuBarControllerTest, ABusyShellIsReportedAsDeferred)
+{
+    webShell.recoverAnswer = RecoverAnswer::deferred;
+    answer({ { "auth_token_invalid", true } });
+    start();
+    for (int index = 0; index < 5; ++index)
+        tick();
+    EXPECT_EQ(webShell.recoveries, 2);
+    EXPECT_EQ(log.standardError.back(), "auth_token_invalid persisted 6 polls → reload deferred: shell load in progress");
+}
+
+TEST_F(MenuBarControllerTest, AMissingCredentialIsAskedForLessAndLessOften)
+{
+    answer({ { "has_device_token", false } });
+    start();
+    for (int index = 0; index < 20; ++index)
+        tick();
+    EXPECT_EQ(webShell.scripts.size(), 3u); // After 0, 10 and 30 seconds.
+    EXPECT_EQ(log.standardError,
+        std::vector<std::string>(3, "daemon has no credential: signalled SPA to forward daemon token"));
+}
+
+TEST_F(MenuBarControllerTest, WithoutAPageNobodyClaimsToHaveAskedIt)
+{
+    answer({ { "has_device_token", false }, { "auth_token_invalid", true } });
+    start(Page::absent);
+    for (int index = 0; index < 10; ++index)
+        tick();
+    EXPECT_TRUE(log.standardError.empty());
+}
+
+TEST_F(MenuBarControllerTest, MenuChoicesReachTheirActions)
+{
+    start();
+    statusItem.choose("Open Brevanta");
+    statusItem.choose("Reload");
+    statusItem.choose("Quit");
+    statusItem.choose("Check for Updates…");
+    EXPECT_EQ(windowOpened, 1);
+    EXPECT_EQ(webShell.reloads, 1);
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(MenuBarControllerTest, NothingHappensOnceItHasGone)
+{
+    start();
+    mainLoop.advance(PollLoop::interval); // A poll is in flight.
+    controller.reset();
+    settle();
+    mainLoop.advance(60);
+    settle();
+    EXPECT_EQ(mainLoop.timerCount(), 0u);
+    EXPECT_EQ(firstConsumer.seen.size(), 1u);
+    statusItem.choose("Quit");
+    EXPECT_EQ(quits, 0);
+}
+
+}
