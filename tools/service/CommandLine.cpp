@@ -1,0 +1,69 @@
+#include "service/CommandLine.h"
+
+#include <cstddef>
+
+namespace brevanta::service {
+
+std::expected<CommandLine, ServiceError> CommandLine::parse(const std::vector<std::string>& arguments)
+{
+    CommandLine result;
+    for (std::size_t index = 0; index < arguments.size(); ++index) {
+        const auto& argument = arguments[index];
+        std::optional<std::string> value;
+        const auto takesValue = [&] {
+            if (index + 1 < arguments.size() && !arguments[index + 1].empty())
+                value = arguments[++index];
+            return value.has_value();
+        };
+        if (argument == "--help" || argument == "-h")
+            return CommandLine { .purpose = Purpose::showHelp };
+        if (argument == "--version")
+            return CommandLine { .purpose = Purpose::showVersion };
+        if (argument == "--stdin")
+            result.takesStandardInput = true;
+        else if (argument == "--log-requests")
+            result.logDetail = LogDetail::redacted;
+        else if (argument == "--log-requests=full")
+            result.logDetail = LogDetail::full;
+        else if (argument != "--socket" && argument != "--control" && argument != "--scenario" && argument != "--state")
+            return fail("unknown argument '" + argument + "'");
+        else if (!takesValue())
+            return fail(argument + " needs a path");
+        else if (argument == "--socket")
+            result.socketPath = *value;
+        else if (argument == "--control")
+            result.controlPath = value;
+        else if (argument == "--scenario")
+            result.scenarioPath = value;
+        else
+            result.statePath = value;
+    }
+    if (result.socketPath.empty())
+        return fail("--socket PATH is needed");
+    if (result.controlPath == result.socketPath)
+        return fail("--socket and --control need different paths");
+    return result;
+}
+
+std::string_view CommandLine::help()
+{
+    return R"(Usage: brevanta-service --socket PATH [options]
+
+A stand-in for the blocking service: answers its whole socket protocol, and is driven by commands.
+
+  --socket PATH         answer clients on this Unix-domain socket
+  --control PATH        take commands on this Unix-domain socket, one answer line for each line
+  --stdin               take commands on standard input, and answer them on standard output
+  --scenario FILE       run the commands of a file, each at its time
+  --state FILE          count the launches in this file, so that a restarted service is known to be newer
+  --log-requests        print each request on standard output, tokens replaced by their length
+  --log-requests=full   the same, tokens and all
+  --help                show this text
+  --version             show the version
+
+Prints "listening on PATH" when it can be talked to. SIGTERM, SIGINT and the command `quit` end it.
+Exit status: 0 ended as told, 1 cannot run, 2 wrong command line or scenario.
+)";
+}
+
+}
