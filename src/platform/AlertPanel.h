@@ -28,7 +28,7 @@ struct AlertResponse {
 };
 
 // Modal alerts. Main thread only. Timers and posted work go on while one is open, and an open alert never keeps the
-// application from quitting.
+// application from quitting. A host may show alerts one after another; one that waits its turn counts as on screen.
 class AlertPanel {
 public:
     virtual ~AlertPanel() = default;

@@ -24,7 +24,7 @@ public:
     // The user opened the running application once more: Dock icon, Finder, or a second start.
     virtual void applicationShouldReopen() = 0;
 
-    // The last call: the process ends after it returns.
+    // The last call: the process ends after it returns, with or without destroying what the composition root holds.
     virtual void applicationWillTerminate() = 0;
 };
 
