@@ -1,0 +1,36 @@
+#include "mac/BundleFactsMac.h"
+
+#include "mac/TextMac.h"
+
+#include <cstdlib>
+
+namespace brevanta {
+
+namespace {
+
+std::optional<std::string> environmentVariable(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+std::string textFor(NSString* key)
+{
+    const id value = [NSBundle.mainBundle objectForInfoDictionaryKey:key];
+    return [value isKindOfClass:NSString.class] ? utf8FromString(value) : std::string();
+}
+
+}
+
+BuildConfiguration configurationOfMainBundle()
+{
+    BuildConfiguration configuration
+        = buildConfiguration(environmentVariable, utf8FromString(NSBundle.mainBundle.executablePath));
+    if (auto version = textFor(@"CFBundleShortVersionString"); !version.empty())
+        configuration.version = std::move(version);
+    if (auto identifier = utf8FromString(NSBundle.mainBundle.bundleIdentifier); !identifier.empty())
+        configuration.bundleIdentifier = std::move(identifier);
+    return configuration;
+}
+
+}

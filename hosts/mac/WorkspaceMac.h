@@ -1,0 +1,22 @@
+#pragma once
+
+#include "mac/CompletionTable.h"
+#include "platform/Workspace.h"
+
+namespace brevanta {
+
+// The user's desktop (documentation page NSWorkspace).
+class WorkspaceMac final : public Workspace {
+public:
+    explicit WorkspaceMac(MainLoop& mainLoop);
+
+    void openUrl(const std::string& url, std::function<void(OpenOutcome)> onEnd) override;
+
+    // A package, such as an application, is opened as a file by the system and so counts as no folder.
+    void openFolder(const std::string& path, std::function<void(OpenOutcome)> onEnd) override;
+
+private:
+    CompletionTable<OpenOutcome> m_completions;
+};
+
+}

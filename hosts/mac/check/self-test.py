@@ -1,0 +1,126 @@
+#!/usr/bin/env python3
+"""Proves that scripts/mac-check can fail: plants faults into copies of the Mac host and expects each to be found.
+
+usage: self-test.py PROJECT
+
+A fault counts as caught only when the check fails and says what is wrong. The copy without a fault must pass.
+"""
+
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+from concurrent.futures import ThreadPoolExecutor
+from dataclasses import dataclass
+from pathlib import Path
+
+
+@dataclass
+class Fault:
+    name: str
+    edited: str  # The file, in hosts/mac, that gets the fault.
+    old: str  # Stands there exactly once.
+    new: str
+    checked: str  # The source file that is checked.
+    finding: str  # What the check has to say, a regular expression.
+
+
+FAULTS = [
+    Fault("wrong selector", "WorkspaceMac.mm", "fileURLWithPath:text isDirectory:", "fileURLWithPath:text isFolder:",
+        "WorkspaceMac.mm", r"no known class method for selector 'fileURLWithPath:isFolder:'"),
+    Fault("wrong property", "MainWindowMac.mm", "window.releasedWhenClosed", "window.releasedOnClose",
+        "MainWindowMac.mm", r"property 'releasedOnClose' not found"),
+    Fault("wrong argument class", "NotificationCenterMac.mm", "content.sound = UNNotificationSound.defaultSound",
+        'content.sound = @"default"', "NotificationCenterMac.mm", r"incompatible pointer types"),
+    Fault("wrong block signature", "NotificationCenterMac.mm", "^(BOOL granted, NSError*)",
+        "^(NSError*, BOOL granted)", "NotificationCenterMac.mm",
+        r"cannot initialize a parameter of type .*an rvalue of type"),
+    Fault("wrong enumeration", "ApplicationDelegateMac.mm", "return NSTerminateLater",
+        "return NSApplicationActivationPolicyRegular", "ApplicationDelegateMac.mm", r"cannot initialize return object"),
+    Fault("nil where none is allowed", "UserDefaultsMac.mm", "setObject:object forKey:displayString(key)",
+        "setObject:object forKey:stringFromUtf8(key)", "UserDefaultsMac.mm", r"-Wnullable-to-nonnull-conversion"),
+    Fault("unbridged cast", "UserDefaultsMac.mm", "(__bridge CFNumberRef)", "(CFNumberRef)", "UserDefaultsMac.mm",
+        r"requires a bridged cast"),
+    Fault("wrong log format", "SystemLogMac.mm", "%{public}s", "%{public}d", "SystemLogMac.mm", r"-Wformat"),
+    Fault("self kept alive by a block", "ApplicationDelegateMac.mm", "    _observer->applicationShouldReopen();",
+        "    void (^tell)(void) = ^{ _observer->applicationShouldReopen(); };\n    tell();",
+        "ApplicationDelegateMac.mm", r"-Wimplicit-retain-self"),
+    Fault("undeclared selector", "MainMenuMac.mm", "@selector(arrangeInFront:)", "@selector(arrangeToFront:)",
+        "MainMenuMac.mm", r"undeclared selector 'arrangeToFront:'"),
+    Fault("unimplemented port method", "ClockMac.h", "    [[nodiscard]] double wallSeconds() const override;\n", "",
+        "main.mm", r"unimplemented pure virtual method 'wallSeconds'"),
+    Fault("port method of another signature", "ClockMac.h", "double wallSeconds() const override",
+        "double wallSeconds() override", "ClockMac.mm", r"marked 'override' hides virtual member function"),
+    Fault("what Apple's C++ library lacks", "ClockMac.mm", "#include <time.h>\n",
+        "#include <thread>\n#include <time.h>\nstatic std::jthread helper;\n", "ClockMac.mm",
+        r"no type named 'jthread'"),
+    Fault("misspelt optional delegate method", "MainWindowMac.mm", "- (BOOL)windowShouldClose:",
+        "- (BOOL)windowShoudClose:", "MainWindowMac.mm", r"BrevantaWindowDelegate implements windowShoudClose:"),
+    Fault("delegate method with a wrong second label", "ApplicationDelegateMac.mm", " hasVisibleWindows:(BOOL)",
+        " visibleWindows:(BOOL)", "ApplicationDelegateMac.mm",
+        r"implements applicationShouldHandleReopen:visibleWindows:"),
+    Fault("protocol not adopted", "NotificationCenterMac.h", "NSObject <UNUserNotificationCenterDelegate>", "NSObject",
+        "NotificationCenterMac.mm", r"incompatible pointer types assigning to 'id<UNUserNotificationCenterDelegate>"),
+    Fault("action that no class implements", "StatusMenuMac.mm", "@implementation BrevantaMenuTarget\n",
+        "@interface BrevantaGhost : NSObject\n- (void)haunt:(nullable id)sender;\n@end\n"
+        "SEL haunting(void);\nSEL haunting(void) { return @selector(haunt:); }\n\n@implementation BrevantaMenuTarget\n",
+        "StatusMenuMac.mm", r"no class implements haunt:"),
+    Fault("declaration newer than the oldest macOS", "CMakeLists.txt", "MAC_MINIMUM 13.3", "MAC_MINIMUM 11.0",
+        "ClockMac.mm", r"needs macOS 12\.0"),
+    Fault("declaration that nothing uses", "check/Foundation/Foundation.h",
+        "- (BOOL)hasSuffix:(NSString*)suffix;\n",
+        "- (BOOL)hasSuffix:(NSString*)suffix;\n- (BOOL)hasPrefix:(NSString*)prefix;\n", "ClockMac.mm",
+        r"does not use NSString's hasPrefix"),
+    Fault("declaration without its source", "check/AppKit/Workspace.h",
+        "// Documentation: NSRunningApplication; macOS 10.6.\n", "", "ClockMac.mm", r"names no documentation page"),
+    Fault("nil returned as non-null on one path", "TextMac.mm",
+        'return string ? static_cast<NSString* _Nonnull>(string) : @"";',
+        "if (string)\n        return string;\n    return string;", "TextMac.mm",
+        r"NullReturnedFromNonnull|Null returned"),
+    Fault("source file that the build does not know", "CMakeLists.txt", "    ClockMac.mm\n", "", "ClockMac.mm",
+        r"does not name ClockMac\.mm"),
+]
+
+
+def check(project, root, files):
+    command = [project / "scripts/mac-check", "--host", root, *(root / "mac" / name for name in files)]
+    result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
+    return result.returncode, result.stdout
+
+
+def try_fault(project, root, fault):
+    """Empty when the fault was caught, else why not."""
+    shutil.copytree(project / "hosts/mac", root / "mac")
+    path = root / "mac" / fault.edited
+    text = path.read_text(encoding="utf-8")
+    if text.count(fault.old) != 1:
+        return f"cannot be planted: {fault.edited} holds the text {text.count(fault.old)} times"
+    path.write_text(text.replace(fault.old, fault.new), encoding="utf-8")
+    status, output = check(project, root, [fault.checked])
+    if status == 0:
+        return "not caught"
+    if not re.search(fault.finding, output):
+        return f"the check failed for another reason:\n{output}"
+    return ""
+
+
+def main():
+    project = Path(sys.argv[1]).resolve()
+    with tempfile.TemporaryDirectory(prefix="mac-check-") as scratch, ThreadPoolExecutor(os.cpu_count()) as pool:
+        roots = [Path(scratch) / str(number) for number in range(len(FAULTS) + 1)]
+        shutil.copytree(project / "hosts/mac", roots[-1] / "mac")
+        sound = pool.submit(check, project, roots[-1], sorted({fault.checked for fault in FAULTS}))
+        reasons = list(pool.map(lambda pair: try_fault(project, *pair), zip(roots, FAULTS)))
+        status, output = sound.result()
+    missed = [f"{fault.name}: {reason}" for fault, reason in zip(FAULTS, reasons) if reason]
+    if status != 0:
+        missed.append(f"the copy without a fault does not pass:\n{output}")
+    if missed:
+        print("\n".join(missed))
+        sys.exit(1)
+    print(f"mac-check: {len(FAULTS)} faults planted, {len(FAULTS)} caught: ok")
+
+
+main()
