@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/AlertPanel.h"
+
+#include <gtkmm.h>
+#include <map>
+#include <memory>
+
+namespace brevanta {
+
+class Executor;
+
+// Message dialogs that are shown and answered by signals: a dialog that runs a loop of its own would hold the quit.
+class AlertPanelGtk final : public AlertPanel {
+public:
+    // Alerts stand above `mainWindow` while it is visible. Both outlive this object, whose end takes open alerts off
+    // the screen without ending them.
+    AlertPanelGtk(Gtk::Window& mainWindow, Executor& mainThread);
+    ~AlertPanelGtk() override;
+    AlertPanelGtk(const AlertPanelGtk&) = delete;
+    AlertPanelGtk& operator=(const AlertPanelGtk&) = delete;
+
+    void present(const Alert& alert, std::function<void(AlertResponse)> onEnd) override;
+    void withdraw(const std::string& identifier) override;
+
+private:
+    struct OpenAlert {
+        std::shared_ptr<Gtk::MessageDialog> dialog;
+        std::function<void(AlertResponse)> onEnd;
+    };
+
+    [[nodiscard]] std::shared_ptr<Gtk::MessageDialog> newDialog(const Alert& alert);
+    void end(const std::string& identifier, AlertResponse response);
+
+    Gtk::Window& m_mainWindow;
+    Executor& m_mainThread;
+    std::map<std::string, OpenAlert> m_open;
+};
+
+}

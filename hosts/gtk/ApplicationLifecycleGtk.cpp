@@ -1,0 +1,107 @@
+#include "gtk/ApplicationLifecycleGtk.h"
+
+#include <csignal>
+#include <glib-unix.h>
+#include <utility>
+
+namespace brevanta {
+
+namespace {
+
+class UnixSignalSource {
+public:
+    UnixSignalSource(int signal, GSourceFunc callback, gpointer data)
+        : m_id(g_unix_signal_add(signal, callback, data))
+    {
+    }
+    ~UnixSignalSource() { g_source_remove(m_id); }
+    UnixSignalSource(const UnixSignalSource&) = delete;
+    UnixSignalSource& operator=(const UnixSignalSource&) = delete;
+
+private:
+    guint m_id;
+};
+
+}
+
+ApplicationLifecycleGtk::ApplicationLifecycleGtk(Glib::RefPtr<Gtk::Application> application)
+    : m_application(std::move(application))
+{
+    m_application->signal_activate().connect([this] { activated(); });
+    m_application->signal_window_added().connect([this](Gtk::Window* window) { applyPolicy(*window); });
+}
+
+ApplicationLifecycleGtk::~ApplicationLifecycleGtk() = default;
+
+int ApplicationLifecycleGtk::run(ApplicationObserver& observer)
+{
+    m_observer = &observer;
+    const UnixSignalSource terminateSignal(SIGTERM, signalCame, this);
+    const UnixSignalSource interruptSignal(SIGINT, signalCame, this);
+    m_application->hold(); // The status item keeps the application going, not its windows.
+    observer.applicationWillFinishLaunching();
+    m_application->run();
+    m_phase = Phase::ending;
+    observer.applicationWillTerminate();
+    m_observer = nullptr;
+    return 0;
+}
+
+void ApplicationLifecycleGtk::setActivationPolicy(ActivationPolicy policy)
+{
+    m_policy = policy;
+    for (auto* const window : m_application->get_windows())
+        applyPolicy(*window);
+}
+
+void ApplicationLifecycleGtk::activate()
+{
+    if (auto* const window = m_application->get_active_window(); window && window->get_visible())
+        window->present();
+}
+
+void ApplicationLifecycleGtk::terminate()
+{
+    if (!m_observer || m_phase == Phase::ending)
+        return;
+    if (m_observer->applicationShouldTerminate() == TerminationDecision::now)
+        return quit();
+    m_phase = Phase::awaitingAnswer;
+}
+
+void ApplicationLifecycleGtk::answerTermination(TerminationAnswer answer)
+{
+    if (m_phase != Phase::awaitingAnswer)
+        return;
+    if (answer == TerminationAnswer::proceed)
+        return quit();
+    m_phase = Phase::running;
+}
+
+void ApplicationLifecycleGtk::activated()
+{
+    // The first activation is this start itself; the later ones are other starts.
+    if (std::exchange(m_phase, m_phase == Phase::launching ? Phase::running : m_phase) == Phase::launching)
+        m_observer->applicationDidFinishLaunching();
+    else if (m_phase != Phase::ending)
+        m_observer->applicationShouldReopen();
+}
+
+void ApplicationLifecycleGtk::applyPolicy(Gtk::Window& window) const
+{
+    window.set_skip_taskbar_hint(m_policy == ActivationPolicy::accessory);
+}
+
+void ApplicationLifecycleGtk::quit()
+{
+    m_phase = Phase::ending;
+    m_application->quit();
+}
+
+gboolean ApplicationLifecycleGtk::signalCame(gpointer self)
+{
+    static_cast<ApplicationLifecycleGtk*>(self)->terminate();
+    return G_SOURCE_CONTINUE;
+}
+
+}

@@ -1,0 +1,69 @@
+#include "gtk/WorkspaceGtk.h"
+
+#include "base/Executor.h"
+#include "gtk/GObjectPtr.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <gdk/gdk.h>
+#include <utility>
+
+namespace brevanta {
+
+namespace {
+
+// GLib takes a space in a host name; RFC 3986 takes white space, NUL and control characters nowhere.
+bool isUri(const std::string& text)
+{
+    const auto isForbidden = [](char c) { return (c >= 0 && c <= ' ') || c == 0x7F; };
+    return std::ranges::none_of(text, isForbidden) && g_uri_is_valid(text.c_str(), G_URI_FLAGS_NONE, nullptr);
+}
+
+using OnEnd = std::function<void(OpenOutcome)>;
+
+void launched(GObject*, GAsyncResult* result, gpointer data)
+{
+    const std::unique_ptr<OnEnd> onEnd(static_cast<OnEnd*>(data));
+    const bool opened = g_app_info_launch_default_for_uri_finish(result, nullptr);
+    (*onEnd)(opened ? OpenOutcome::opened : OpenOutcome::refused);
+}
+
+// Lets the application that is started come to the front.
+GObjectPtr<GAppLaunchContext> launchContext()
+{
+    auto* const display = gdk_display_get_default();
+    return GObjectPtr<GAppLaunchContext>(
+        display ? G_APP_LAUNCH_CONTEXT(gdk_display_get_app_launch_context(display)) : g_app_launch_context_new());
+}
+
+void launch(const char* uri, OnEnd onEnd)
+{
+    g_app_info_launch_default_for_uri_async(uri, launchContext().get(), nullptr, launched, new OnEnd(std::move(onEnd)));
+}
+
+}
+
+void WorkspaceGtk::openUrl(const std::string& url, std::function<void(OpenOutcome)> onEnd)
+{
+    if (!isUri(url))
+        return refuse(std::move(onEnd));
+    launch(url.c_str(), std::move(onEnd));
+}
+
+void WorkspaceGtk::openFolder(const std::string& path, std::function<void(OpenOutcome)> onEnd)
+{
+    std::error_code error;
+    if (path.contains('\0') || !std::filesystem::is_directory(path, error))
+        return refuse(std::move(onEnd));
+    const GLibPtr<char> uri(g_filename_to_uri(path.c_str(), nullptr, nullptr)); // Null for a relative path.
+    if (!uri)
+        return refuse(std::move(onEnd));
+    launch(uri.get(), std::move(onEnd));
+}
+
+void WorkspaceGtk::refuse(std::function<void(OpenOutcome)> onEnd)
+{
+    m_mainThread.post([onEnd = std::move(onEnd)] { onEnd(OpenOutcome::refused); });
+}
+
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace brevanta {
+
+// Blocks every signal that can be put off for the calling thread: pthread_sigmask(3). Meant for queue threads, so that
+// signals are handled on the main thread alone and no blocking call on a queue ends with EINTR. Signals that the thread
+// raises by its own fault (SIGSEGV and its like) stay as they are, since blocking those is undefined.
+void blockAllSignals();
+
+// From now on, writing to a pipe or socket without a reader fails with EPIPE instead of ending the process. Processes
+// that are started later have SIGPIPE as it was by default.
+void ignoreBrokenPipeSignal();
+
+}

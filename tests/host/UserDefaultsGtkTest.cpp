@@ -1,0 +1,168 @@
+#include "gtk/UserDefaultsGtk.h"
+#include "fakes/FakePorts.h"
+#include "functional/support/TemporaryDirectory.h"
+#include "host/UserDefaultsContract.h"
+
+#include <fstream>
+#include <sys/stat.h>
+
+namespace brevanta {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class UserDefaultsGtkBench {
+public:
+    UserDefaultsGtkBench() { startAnew(); }
+
+    UserDefaults& defaults() { return *m_defaults; }
+    void startAnew()
+    {
+        m_defaults.reset();
+        m_defaults = std::make_unique<UserDefaultsGtk>(file(), m_log);
+    }
+
+    [[nodiscard]] fs::path folder() const { return m_folder.path() / "Library" / "Preferences"; }
+    [[nodiscard]] fs::path file() const { return folder() / "settings.json"; }
+    [[nodiscard]] const std::vector<std::string>& logLines() const { return m_log.lines; }
+
+    void writeFile(std::string_view contents) const
+    {
+        fs::create_directories(folder());
+        std::ofstream(file(), std::ios::binary) << contents;
+    }
+
+    [[nodiscard]] std::string read(const fs::path& path) const
+    {
+        std::ifstream stream(path, std::ios::binary);
+        return { std::istreambuf_iterator<char>(stream), {} };
+    }
+
+private:
+    functional::TemporaryDirectory m_folder;
+    FakeSystemLog m_log;
+    std::unique_ptr<UserDefaultsGtk> m_defaults;
+};
+
+class UserDefaultsGtkTest : public testing::Test {
+protected:
+    UserDefaultsGtkBench m_bench;
+};
+
+struct stat statusOf(const fs::path& path)
+{
+    struct stat status {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status;
+}
+
+}
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Gtk, UserDefaultsContract, UserDefaultsGtkBench);
+
+TEST_F(UserDefaultsGtkTest, TheFileIsForItsUserAloneAndMadeByTheFirstValue)
+{
+    EXPECT_FALSE(fs::exists(m_bench.folder()));
+    m_bench.defaults().set("key", true);
+    EXPECT_EQ(statusOf(m_bench.file()).st_mode & 07777U, 0600U);
+    EXPECT_EQ(statusOf(m_bench.folder()).st_mode & 07777U, 0700U);
+    EXPECT_TRUE(m_bench.logLines().empty());
+}
+
+TEST_F(UserDefaultsGtkTest, WhatDoesNotChangeIsNotWrittenAgain)
+{
+    m_bench.defaults().set("key", std::int64_t { 1 });
+    const auto before = statusOf(m_bench.file()).st_ino;
+    m_bench.defaults().set("key", std::int64_t { 1 });
+    m_bench.defaults().remove("absent");
+    EXPECT_EQ(statusOf(m_bench.file()).st_ino, before);
+    m_bench.defaults().set("key", 1.0);
+    EXPECT_NE(statusOf(m_bench.file()).st_ino, before) << "a number of another kind is a change";
+}
+
+TEST_F(UserDefaultsGtkTest, ADamagedFileIsMovedAsideWholeAndTheStoreBeginsEmpty)
+{
+    const std::string damages[]
+        = { "", "{", "[1, 2]", "null", "{\"key\": 1} tail", "{\"key\": \"\xFF\"}", "{'key': 1}" };
+    int number = 0;
+    for (const auto& damage : damages) {
+        m_bench.writeFile(damage);
+        m_bench.startAnew();
+        EXPECT_EQ(m_bench.defaults().get("key"), std::nullopt) << damage;
+        EXPECT_FALSE(fs::exists(m_bench.file())) << damage;
+        const auto aside = m_bench.file().string() + ".damaged-" + std::to_string(++number);
+        EXPECT_EQ(m_bench.read(aside), damage);
+        ASSERT_EQ(m_bench.logLines().size(), static_cast<std::size_t>(number)) << damage;
+        EXPECT_TRUE(m_bench.logLines().back().starts_with("[UserDefaults] ")) << m_bench.logLines().back();
+        EXPECT_TRUE(m_bench.logLines().back().ends_with(aside)) << m_bench.logLines().back();
+    }
+    m_bench.defaults().set("key", true);
+    m_bench.startAnew();
+    EXPECT_EQ(m_bench.defaults().get("key"), DefaultsValue(true));
+}
+
+TEST_F(UserDefaultsGtkTest, AFolderInTheFilesPlaceIsMovedAsideToo)
+{
+    fs::create_directories(m_bench.file() / "child");
+    m_bench.startAnew();
+    m_bench.defaults().set("key", true);
+    EXPECT_TRUE(fs::is_regular_file(m_bench.file()));
+    EXPECT_TRUE(fs::is_directory(m_bench.file().string() + ".damaged-1/child"));
+}
+
+TEST_F(UserDefaultsGtkTest, AWriteThatFailsKeepsTheValueAndIsMadeUpForByTheNextOne)
+{
+    fs::create_directories(m_bench.folder().parent_path());
+    std::ofstream(m_bench.folder()) << "a file where the folder should be";
+    m_bench.defaults().set("first", true);
+    EXPECT_EQ(m_bench.defaults().get("first"), DefaultsValue(true));
+    ASSERT_EQ(m_bench.logLines().size(), 1U);
+
+    fs::remove(m_bench.folder());
+    m_bench.defaults().set("first", true);
+    EXPECT_EQ(m_bench.logLines().size(), 1U);
+    m_bench.startAnew();
+    EXPECT_EQ(m_bench.defaults().get("first"), DefaultsValue(true));
+}
+
+TEST_F(UserDefaultsGtkTest, WhatJsonCannotHoldLastsForTheProcessAndLeavesTheRestStorable)
+{
+    const DefaultsValue values[] = { std::string("\xFF"), std::numeric_limits<double>::infinity() };
+    for (const auto& value : values) {
+        m_bench.defaults().set("odd", std::int64_t { 5 });
+        m_bench.defaults().set("odd", value);
+        EXPECT_EQ(m_bench.defaults().get("odd"), value);
+        m_bench.defaults().set("other", value.index() == 2);
+        m_bench.startAnew();
+        EXPECT_EQ(m_bench.defaults().get("odd"), DefaultsValue(std::int64_t { 5 })) << "as it was stored before";
+        EXPECT_EQ(m_bench.defaults().get("other"), DefaultsValue(value.index() == 2));
+    }
+}
+
+TEST_F(UserDefaultsGtkTest, AStorableValueTakesThePlaceOfAnUnstorableOne)
+{
+    m_bench.defaults().set("key", std::string("\xFF"));
+    m_bench.defaults().set("key", std::string("text"));
+    EXPECT_EQ(m_bench.defaults().get("key"), DefaultsValue(std::string("text")));
+    m_bench.defaults().set("key", std::string("\xFF"));
+    m_bench.defaults().remove("key");
+    EXPECT_EQ(m_bench.defaults().get("key"), std::nullopt);
+}
+
+TEST_F(UserDefaultsGtkTest, ValuesOfOtherShapesReadAsNothingAndAreKeptInTheFile)
+{
+    const std::string shapes[] = { "null", "{\"a\":1}", "[1,\"x\"]", "[1.5]", "[true]", "[[1]]", "18446744073709551615",
+        "9223372036854775808" };
+    for (const auto& shape : shapes) {
+        m_bench.writeFile("{\"foreign\":" + shape + "}");
+        m_bench.startAnew();
+        EXPECT_EQ(m_bench.defaults().get("foreign"), std::nullopt) << shape;
+        m_bench.defaults().set("own", true);
+        const auto stored = nlohmann::json::parse(m_bench.read(m_bench.file()));
+        EXPECT_EQ(stored["foreign"], nlohmann::json::parse(shape)) << shape;
+    }
+    EXPECT_TRUE(m_bench.logLines().empty());
+}
+
+}
