@@ -1,0 +1,95 @@
+#include "support/BrevantaClient.h"
+
+#include <cstdlib>
+
+namespace brevanta::functional {
+
+static std::string pathFromEnvironment(const char* variable, const char* builtPath)
+{
+    const auto* value = std::getenv(variable);
+    return value && *value ? value : builtPath;
+}
+
+std::string clientExecutable() { return pathFromEnvironment("BREVANTA_TEST_CLIENT", BREVANTA_BUILT_CLIENT); }
+
+std::string prodClientExecutable()
+{
+    return pathFromEnvironment("BREVANTA_TEST_PROD_CLIENT", BREVANTA_BUILT_PROD_CLIENT);
+}
+
+std::string serviceExecutable() { return pathFromEnvironment("BREVANTA_TEST_SERVICE", BREVANTA_BUILT_SERVICE); }
+
+BrevantaClient::BrevantaClient(BrevantaClientOptions options)
+    : m_options(std::move(options))
+{
+}
+
+// The executable's path in a copy of its bundle below a root of our own; the executable itself when it is in no bundle.
+std::expected<std::string, std::string> BrevantaClient::installBundle()
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const auto root = m_directory.path() / "root";
+    for (const auto& path : { root / "Applications", m_directory.path() / "home", m_directory.path() / "run" })
+        fs::create_directories(path, error);
+    fs::permissions(m_directory.path() / "run", fs::perms::owner_all, error);
+    const fs::path executable = fs::absolute(m_options.executable, error);
+    if (!fs::exists(executable, error))
+        return std::unexpected("there is no client at " + executable.string());
+    const auto contents = executable.parent_path().parent_path();
+    if (contents.filename() != "Contents")
+        return executable.string();
+    const auto bundle = contents.parent_path();
+    const auto installed = root / "Applications" / bundle.filename();
+    fs::copy(bundle, installed, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+    if (error)
+        return std::unexpected("the bundle cannot be copied: " + error.message());
+    return (installed / "Contents" / "MacOS" / executable.filename()).string();
+}
+
+std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startProcess(
+    const std::vector<std::string>& arguments) const
+{
+    auto environment = neutralEnvironment();
+    const auto set = [&](const std::string& name, const std::string& value) {
+        std::erase_if(environment, [&](const std::string& entry) { return entry.starts_with(name + "="); });
+        environment.push_back(name + "=" + value);
+    };
+    const auto directory = m_directory.path().string();
+    set("HOME", directory + "/home");
+    set("XDG_RUNTIME_DIR", directory + "/run");
+    set("XDG_CONFIG_HOME", directory + "/home/.config");
+    set("XDG_DATA_HOME", directory + "/home/.local/share");
+    set("XDG_CACHE_HOME", directory + "/home/.cache");
+    set("BREVANTA_ROOT", directory + "/root");
+    set("BREVANTA_SOCKET", m_options.socketPath);
+    // Nothing that a test run could share with the user's own session or be slowed down by.
+    set("NO_AT_BRIDGE", "1");
+    set("GTK_A11Y", "none");
+    set("GSETTINGS_BACKEND", "memory");
+    set("GIO_USE_VFS", "local");
+    // Without an address GIO would look for a bus of the user's session, or start one.
+    set("DBUS_SESSION_BUS_ADDRESS", m_options.busAddress.empty() ? "disabled:" : m_options.busAddress);
+    if (!m_options.display.empty())
+        set("DISPLAY", m_options.display);
+    std::vector<std::string> commandLine { m_executable };
+    commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
+    return ChildProcess::start({ .arguments = std::move(commandLine),
+        .environment = std::move(environment),
+        .errorFilePath = m_options.logPath });
+}
+
+std::expected<void, std::string> BrevantaClient::start()
+{
+    auto executable = installBundle();
+    if (!executable)
+        return std::unexpected(executable.error());
+    m_executable = *executable;
+    auto process = startProcess(m_options.arguments);
+    if (!process)
+        return std::unexpected("the client cannot be started: " + process.error());
+    m_process = std::move(*process);
+    return {};
+}
+
+}

@@ -1,0 +1,61 @@
+#include "support/ClientBench.h"
+
+namespace brevanta::functional {
+
+static constexpr Milliseconds startTime { 20000 };
+
+ClientBench::ClientBench(ClientBenchOptions options)
+    : m_options(std::move(options))
+    , m_service(serviceExecutable())
+{
+}
+
+std::expected<void, std::string> ClientBench::startSurroundings()
+{
+    auto display = VirtualDisplay::start();
+    if (!display)
+        return std::unexpected(display.error());
+    m_display = std::move(*display);
+    auto bus = PrivateBus::start();
+    if (!bus)
+        return std::unexpected(bus.error());
+    m_bus = std::move(*bus);
+    if (m_options.notificationTaker == NotificationTaker::recorder) {
+        auto notifications = RecordingNotifications::start(*m_bus);
+        if (!notifications)
+            return std::unexpected(notifications.error());
+        m_notifications = std::move(*notifications);
+    }
+    m_menu = std::make_unique<DbusMenu>(*m_bus, BrevantaClient::busName);
+    m_statusItem = std::make_unique<StatusNotifier>(*m_bus, BrevantaClient::busName);
+    if (m_options.serviceAtStart == ServiceAtStart::absent)
+        return {};
+    if (auto started = m_service.start(); !started)
+        return started;
+    for (const auto& line : m_options.preparations) {
+        if (const auto answer = m_service.command(line); !answer)
+            return std::unexpected(answer.error());
+    }
+    return {};
+}
+
+std::expected<void, std::string> ClientBench::startClient()
+{
+    m_client = std::make_unique<BrevantaClient>(BrevantaClientOptions {
+        .executable = m_options.executable,
+        .busAddress = m_bus->address(),
+        .display = m_display->name(),
+        .socketPath = m_service.socketPath(),
+        .logPath = m_options.logPath,
+    });
+    if (auto started = m_client->start(); !started)
+        return started;
+    if (!m_bus->awaitOwner(BrevantaClient::busName, startTime))
+        return std::unexpected("the client did not take its name on the bus:\n" + m_client->log());
+    // Nothing announces that the menu's object is there.
+    if (!awaitByAsking([this] { return m_menu->read().has_value(); }, startTime))
+        return std::unexpected("the client put no menu on the bus:\n" + m_client->log());
+    return {};
+}
+
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "support/BrevantaClient.h"
+#include "support/RecordingNotifications.h"
+#include "support/StandInService.h"
+#include "support/VirtualDisplay.h"
+
+namespace brevanta::functional {
+
+enum class ServiceAtStart { running, absent };
+enum class NotificationTaker { recorder, nobody };
+
+struct ClientBenchOptions {
+    std::string executable { clientExecutable() };
+    std::string logPath {}; // Where the client's log is kept besides; empty for nowhere.
+    std::vector<std::string> preparations {}; // What the service is told before the client starts.
+    ServiceAtStart serviceAtStart { ServiceAtStart::running };
+    NotificationTaker notificationTaker { NotificationTaker::recorder };
+};
+
+// The whole client with all that is around it, private to this process.
+class ClientBench {
+public:
+    explicit ClientBench(ClientBenchOptions options = {});
+
+    // Display, bus, notifications and service.
+    [[nodiscard]] std::expected<void, std::string> startSurroundings();
+    // The client, until its menu can be read.
+    [[nodiscard]] std::expected<void, std::string> startClient();
+
+    [[nodiscard]] const VirtualDisplay& display() const { return *m_display; }
+    [[nodiscard]] const PrivateBus& bus() const { return *m_bus; }
+    [[nodiscard]] RecordingNotifications& notifications() { return *m_notifications; }
+    [[nodiscard]] StandInService& service() { return m_service; }
+    [[nodiscard]] BrevantaClient& client() { return *m_client; }
+    [[nodiscard]] bool hasClient() const { return m_client != nullptr; }
+    [[nodiscard]] DbusMenu& menu() { return *m_menu; }
+    [[nodiscard]] StatusNotifier& statusItem() { return *m_statusItem; }
+
+private:
+    ClientBenchOptions m_options;
+    StandInService m_service;
+    std::unique_ptr<VirtualDisplay> m_display;
+    std::unique_ptr<PrivateBus> m_bus;
+    std::unique_ptr<RecordingNotifications> m_notifications;
+    std::unique_ptr<DbusMenu> m_menu;
+    std::unique_ptr<StatusNotifier> m_statusItem;
+    std::unique_ptr<BrevantaClient> m_client;
+};
+
+}

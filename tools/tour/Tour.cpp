@@ -1,0 +1,195 @@
+#include "tour/Tour.h"
+
+#include <sstream>
+
+namespace brevanta::tour {
+
+using functional::BrevantaClient;
+using functional::Milliseconds;
+
+static constexpr Milliseconds patience { 10000 };
+static constexpr int windowLeft = 40;
+static constexpr int windowTop = DesktopPanel::height + 12;
+
+Tour::Tour(std::string outputDirectory, TourReport& report)
+    : m_report(report)
+    , m_outputDirectory(std::move(outputDirectory))
+    , m_bench({ .logPath = m_outputDirectory + "/client.log",
+          .preparations = { "energy 24", "set low_lp_threshold 10", "set high_lp_threshold 40" },
+          .notificationTaker = functional::NotificationTaker::nobody })
+{
+}
+
+std::expected<void, std::string> Tour::play()
+{
+    m_report.tell("A display, a bus and the stand-in for the blocking service are started.");
+    if (auto started = m_bench.startSurroundings(); !started)
+        return started;
+    m_report.tell("A panel and a notification service are started on that display.");
+    auto panel = DesktopPanel::start(m_bench.display(), m_bench.bus());
+    if (!panel)
+        return std::unexpected(panel.error());
+    m_panel = std::move(*panel);
+    auto notifications = NotificationMonitor::start(m_bench.bus());
+    if (!notifications)
+        return std::unexpected(notifications.error());
+    m_notifications = std::move(*notifications);
+    m_scene = std::make_unique<Scene>(m_bench.display(), m_outputDirectory);
+
+    m_report.tell("The client starts, with 24 coins and nothing blocked.");
+    if (auto started = m_bench.startClient(); !started)
+        return started;
+    showWindow();
+    startAgain();
+    workOnTask();
+    runLow();
+    runOut();
+    loseService();
+    regainService();
+    quit();
+    return {};
+}
+
+void Tour::showWindow()
+{
+    seeDescription("Brevanta — not blocking");
+    seeLine("Blocking: Inactive (24.00 Coins)");
+    m_report.tell("\"Open Brevanta\" is chosen in the menu.");
+    if (const auto clicked = m_bench.menu().click("Open Brevanta"); !clicked)
+        m_report.tell(clicked.error());
+    const auto& display = m_bench.display();
+    m_report.sees(display.awaitWindows(BrevantaClient::windowTitle, 1, patience), "the client's window");
+    placeWindow();
+    takePicture("1-window");
+}
+
+void Tour::startAgain()
+{
+    m_report.tell("The window is closed.");
+    const auto& display = m_bench.display();
+    for (const auto& window : display.windowsTitled(BrevantaClient::windowTitle))
+        display.pressCloseButton(window);
+    m_report.sees(display.awaitWindows(BrevantaClient::windowTitle, 0, patience), "no window any more");
+    m_report.tell("The client is started a second time.");
+    const auto second = m_bench.client().startProcess({});
+    m_report.sees(second && (*second)->awaitExit(patience) == 0, "the second start ends at once");
+    m_report.sees(display.awaitWindows(BrevantaClient::windowTitle, 1, patience), "the first one's window again");
+    placeWindow();
+}
+
+void Tour::placeWindow()
+{
+    const auto& display = m_bench.display();
+    for (const auto& window : display.windowsTitled(BrevantaClient::windowTitle))
+        display.moveWindow(window, windowLeft, windowTop);
+}
+
+void Tour::workOnTask()
+{
+    m_report.tell("A task is begun.");
+    tellService("task Write the report 0");
+    seeLine("Active: Write the report");
+    showMenu("2-task");
+}
+
+void Tour::runLow()
+{
+    m_report.tell("Coins are spent down to 8; the low mark is 10.");
+    tellService("task none");
+    tellService("energy 8");
+    seeNotification("low-lp", "Low Coins");
+    seeLine("Blocking: Inactive (8.00 Coins)");
+    takePicture("3-low-coins");
+}
+
+void Tour::runOut()
+{
+    m_report.tell("The last coin is spent, and the service blocks.");
+    tellService("energy 0");
+    seeNotification("no-lp", "No Coins");
+    seeDescription("Brevanta — blocking");
+    seeLine("Blocking: Active (0.00 Coins)");
+    showMenu("4-blocking");
+}
+
+void Tour::loseService()
+{
+    m_report.tell("The service is stopped.");
+    m_bench.service().stop();
+    seeDescription("Brevanta — status unknown");
+    const auto isUnreachable = m_bench.menu().awaitEntries(
+        [](const functional::MenuEntries& entries) {
+            return functional::findEntry(entries, "Blocking service starting")
+                || functional::findEntry(entries, "Blocking service unreachable");
+        },
+        patience);
+    m_report.sees(isUnreachable, "the menu says that the service cannot be reached");
+    showMenu("5-service-away");
+}
+
+void Tour::regainService()
+{
+    m_report.tell("The service is started again, and 45 coins are there; the high mark is 40.");
+    if (const auto started = m_bench.service().start(); !started)
+        m_report.tell(started.error());
+    tellService("energy 45");
+    tellService("set high_lp_threshold 40");
+    seeDescription("Brevanta — not blocking");
+    seeLine("Blocking: Inactive (45.00 Coins)");
+    seeNotification("high-lp", "Coins Restored");
+    m_report.sees(m_notifications->count() == 3, "three notifications in all, none of them twice");
+    showMenu("6-coins-restored");
+}
+
+void Tour::quit()
+{
+    m_report.tell("\"Quit\" is chosen in the menu.");
+    if (const auto clicked = m_bench.menu().click("Quit"); !clicked)
+        m_report.tell(clicked.error());
+    const auto status = m_bench.client().process().awaitExit(patience);
+    m_report.sees(status == 0, "the client ends with status 0");
+    const auto isGone
+        = functional::awaitByAsking([this] { return m_bench.client().process().groupMembers().empty(); }, patience);
+    m_report.sees(isGone, "no process of the client is left");
+}
+
+void Tour::tellService(const std::string& command)
+{
+    if (const auto answer = m_bench.service().command(command); !answer)
+        m_report.sees(false, "the stand-in service takes \"" + command + "\": " + answer.error());
+}
+
+void Tour::seeDescription(const std::string& text)
+{
+    m_report.sees(m_bench.statusItem().awaitDescription(text), "the status item says \"" + text + "\"");
+}
+
+void Tour::seeLine(const std::string& label)
+{
+    m_report.sees(m_bench.menu().awaitLabel(label), "the menu says \"" + label + "\"");
+}
+
+void Tour::seeNotification(const std::string& identifier, const std::string& title)
+{
+    const auto notification = m_notifications->await(identifier);
+    const bool isSeen = notification && notification->title == title;
+    m_report.sees(isSeen, "a notification \"" + title + "\"" + (isSeen ? ": " + notification->body : ""));
+}
+
+void Tour::showMenu(const std::string& pictureName)
+{
+    m_report.sees(m_scene->openStatusMenu(), "the menu opens below the status item in the panel");
+    const auto entries = m_bench.menu().read();
+    std::istringstream lines(entries ? functional::describeMenu(*entries) : entries.error());
+    for (std::string line; std::getline(lines, line);)
+        m_report.tell("        | " + line);
+    takePicture(pictureName);
+    m_report.sees(m_scene->closeStatusMenu(), "the menu closes");
+}
+
+void Tour::takePicture(const std::string& name)
+{
+    m_report.sees(m_scene->takePicture(name), "the screen (picture " + name + ".png)");
+}
+
+}

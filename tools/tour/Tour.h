@@ -1,0 +1,46 @@
+#pragma once
+
+#include "support/ClientBench.h"
+#include "tour/DesktopPanel.h"
+#include "tour/NotificationMonitor.h"
+#include "tour/Scene.h"
+#include "tour/TourReport.h"
+
+namespace brevanta::tour {
+
+// Plays an afternoon with the client in a quarter of a minute and looks at what a user would see of it.
+class Tour {
+public:
+    Tour(std::string outputDirectory, TourReport&);
+
+    // An error when something around the client could not be started.
+    [[nodiscard]] std::expected<void, std::string> play();
+
+private:
+    void showWindow();
+    void startAgain();
+    void workOnTask();
+    void runLow();
+    void runOut();
+    void loseService();
+    void regainService();
+    void quit();
+
+    void placeWindow();
+    void tellService(const std::string& command);
+    void seeDescription(const std::string& text);
+    void seeLine(const std::string& label);
+    void seeNotification(const std::string& identifier, const std::string& title);
+    // A picture of the screen with the status item's menu open, and the menu as text.
+    void showMenu(const std::string& pictureName);
+    void takePicture(const std::string& name);
+
+    TourReport& m_report;
+    std::string m_outputDirectory;
+    functional::ClientBench m_bench;
+    std::unique_ptr<DesktopPanel> m_panel;
+    std::unique_ptr<NotificationMonitor> m_notifications;
+    std::unique_ptr<Scene> m_scene;
+};
+
+}
