@@ -8,33 +8,33 @@ namespace brevanta {
 
 namespace {
 
-    // <root>/Applications/Brevanta.app/Contents/MacOS/Brevanta
-    std::filesystem::path developmentRoot(const std::filesystem::path& executable)
-    {
-        return executable.parent_path().parent_path().parent_path().parent_path().parent_path();
-    }
+// <root>/Applications/Brevanta.app/Contents/MacOS/Brevanta
+std::filesystem::path developmentRoot(const std::filesystem::path& executable)
+{
+    return executable.parent_path().parent_path().parent_path().parent_path().parent_path();
+}
 
-    std::optional<std::string> read(const EnvironmentReader& environment, const char* name)
-    {
-        const auto value = environment(name);
-        return value && !value->empty() ? value : std::nullopt;
-    }
+std::optional<std::string> read(const EnvironmentReader& environment, const char* name)
+{
+    const auto value = environment(name);
+    return value && !value->empty() ? value : std::nullopt;
+}
 
-    // "One.example, two.example" names two hosts, in lower case; empty names are left out.
-    std::vector<std::string> hosts(const std::string& list)
-    {
-        std::vector<std::string> names;
-        for (const auto part : std::views::split(list, ',')) {
-            std::string name;
-            for (const char c : part) {
-                if (c != ' ')
-                    name.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
-            }
-            if (!name.empty())
-                names.push_back(std::move(name));
+// "One.example, two.example" names two hosts, in lower case; empty names are left out.
+std::vector<std::string> hosts(const std::string& list)
+{
+    std::vector<std::string> names;
+    for (const auto part : std::views::split(list, ',')) {
+        std::string name;
+        for (const char c : part) {
+            if (c != ' ')
+                name.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
         }
-        return names;
+        if (!name.empty())
+            names.push_back(std::move(name));
     }
+    return names;
+}
 
 }
 

@@ -6,7 +6,7 @@ namespace brevanta {
 
 namespace {
 
-    constexpr double loginItemSeconds = 90;
+constexpr double loginItemSeconds = 90;
 
 }
 

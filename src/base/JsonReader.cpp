@@ -7,27 +7,27 @@ namespace brevanta::json {
 
 namespace {
 
-    template<typename Value> std::optional<Value> valueOf(simdjson::simdjson_result<Value> result)
-    {
-        Value value;
-        if (std::move(result).get(value) != simdjson::SUCCESS)
-            return std::nullopt;
-        return value;
-    }
+template <typename Value> std::optional<Value> valueOf(simdjson::simdjson_result<Value> result)
+{
+    Value value;
+    if (std::move(result).get(value) != simdjson::SUCCESS)
+        return std::nullopt;
+    return value;
+}
 
-    // 2^63 and 2^64 are exact doubles; the largest integers of the two types are not.
-    constexpr double twoToThe63 = 9223372036854775808.0;
-    constexpr double twoToThe64 = 18446744073709551616.0;
+// 2^63 and 2^64 are exact doubles; the largest integers of the two types are not.
+constexpr double twoToThe63 = 9223372036854775808.0;
+constexpr double twoToThe64 = 18446744073709551616.0;
 
-    std::optional<double> integralDouble(Element element)
-    {
-        if (!element.is_double())
-            return std::nullopt;
-        const auto number = valueOf(element.get_double());
-        if (!number || std::trunc(*number) != *number)
-            return std::nullopt;
-        return number;
-    }
+std::optional<double> integralDouble(Element element)
+{
+    if (!element.is_double())
+        return std::nullopt;
+    const auto number = valueOf(element.get_double());
+    if (!number || std::trunc(*number) != *number)
+        return std::nullopt;
+    return number;
+}
 
 }
 

@@ -13,7 +13,7 @@ public:
     LifeToken& operator=(const LifeToken&) = delete;
 
     // The callback, which does nothing once the token has been destroyed.
-    template<typename Callback> [[nodiscard]] auto guard(Callback callback) const
+    template <typename Callback> [[nodiscard]] auto guard(Callback callback) const
     {
         return [weak = std::weak_ptr(m_life), callback = std::move(callback)]<typename... Arguments>(
                    Arguments&&... arguments) {

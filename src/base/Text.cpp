@@ -17,8 +17,7 @@ std::string formatFixed(double number, int decimals)
 std::string singleLine(std::string_view text)
 {
     std::string line(text);
-    std::ranges::replace_if(
-        line, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
+    std::ranges::replace_if(line, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
     return line;
 }
 

@@ -13,47 +13,47 @@ namespace brevanta {
 
 namespace {
 
-    using Answer = std::function<void()>; // Tells the caller, on the main thread.
-    using StatusResult = std::expected<std::shared_ptr<const BlockingStatus>, DaemonFailure>;
+using Answer = std::function<void()>; // Tells the caller, on the main thread.
+using StatusResult = std::expected<std::shared_ptr<const BlockingStatus>, DaemonFailure>;
 
-    std::string describeValue(json::Element value)
-    {
-        const auto text = json::asText(value);
-        return text ? std::string(*text) : std::string(simdjson::minify(value));
-    }
+std::string describeValue(json::Element value)
+{
+    const auto text = json::asText(value);
+    return text ? std::string(*text) : std::string(simdjson::minify(value));
+}
 
-    // What a mutating request's reply says: an "error" counts before anything else, then only "ok": true will do.
-    std::expected<void, DaemonFailure> checkAcknowledgement(json::Object reply)
-    {
-        json::Element error;
-        if (reply.at_key("error").get(error) == simdjson::SUCCESS)
-            return std::unexpected(DaemonError { DaemonError::Kind::rejected, describeValue(error) });
-        const auto ok = json::member(reply, "ok").and_then(json::asBool);
-        if (ok != true)
-            return std::unexpected(DaemonError { DaemonError::Kind::rejected, "missing ok" });
-        return {};
-    }
+// What a mutating request's reply says: an "error" counts before anything else, then only "ok": true will do.
+std::expected<void, DaemonFailure> checkAcknowledgement(json::Object reply)
+{
+    json::Element error;
+    if (reply.at_key("error").get(error) == simdjson::SUCCESS)
+        return std::unexpected(DaemonError { DaemonError::Kind::rejected, describeValue(error) });
+    const auto ok = json::member(reply, "ok").and_then(json::asBool);
+    if (ok != true)
+        return std::unexpected(DaemonError { DaemonError::Kind::rejected, "missing ok" });
+    return {};
+}
 
-    DaemonClient::Completion<RemovalSnapshot> withoutRecord(DaemonClient::Completion<void> completion)
-    {
-        return [completion = std::move(completion)](const std::expected<RemovalSnapshot, DaemonFailure>& result) {
-            if (result)
-                completion({});
-            else
-                completion(std::unexpected(result.error()));
-        };
-    }
+DaemonClient::Completion<RemovalSnapshot> withoutRecord(DaemonClient::Completion<void> completion)
+{
+    return [completion = std::move(completion)](const std::expected<RemovalSnapshot, DaemonFailure>& result) {
+        if (result)
+            completion({});
+        else
+            completion(std::unexpected(result.error()));
+    };
+}
 
-    std::expected<json::Object, DaemonFailure> parseObject(json::Parser& parser, const PaddedBuffer& reply)
-    {
-        const auto root = json::parse(parser, reply);
-        if (!root)
-            return std::unexpected(root.error());
-        const auto object = json::asObject(*root);
-        if (!object)
-            return std::unexpected(DaemonError { DaemonError::Kind::invalidResponse, {} });
-        return *object;
-    }
+std::expected<json::Object, DaemonFailure> parseObject(json::Parser& parser, const PaddedBuffer& reply)
+{
+    const auto root = json::parse(parser, reply);
+    if (!root)
+        return std::unexpected(root.error());
+    const auto object = json::asObject(*root);
+    if (!object)
+        return std::unexpected(DaemonError { DaemonError::Kind::invalidResponse, {} });
+    return *object;
+}
 
 }
 

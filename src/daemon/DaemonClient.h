@@ -29,7 +29,7 @@ using RemovalRequest = std::variant<QueueRemoval, CancelRemoval>;
 // what the user does goes ahead of a status request that has not begun. Nothing is tried twice and nothing is logged.
 class DaemonClient {
 public:
-    template<typename Value> using Completion = std::function<void(std::expected<Value, DaemonFailure>)>;
+    template <typename Value> using Completion = std::function<void(std::expected<Value, DaemonFailure>)>;
 
     DaemonClient(std::unique_ptr<DaemonTransport> transport, Executor& queue, MainLoop& mainLoop);
 
@@ -50,7 +50,8 @@ public:
     void forceSync(Completion<void> completion);
 
     // Queues or cancels a removal; answers with the service's record, or an empty one when the reply has none.
-    void requestRemoval(const RemovalRequest& request, const std::string& account, Completion<RemovalSnapshot> completion);
+    void requestRemoval(
+        const RemovalRequest& request, const std::string& account, Completion<RemovalSnapshot> completion);
 
     // Any request, a JSON object; answers with the reply object as it stands, acknowledged or not.
     void exchange(Json request, Completion<Json> completion);

@@ -8,24 +8,24 @@ namespace brevanta {
 
 namespace {
 
-    constexpr std::size_t longestPath = 103; // sun_path has 104 bytes on macOS, one of them for the NUL.
-    constexpr int timeoutSeconds = 5;
-    constexpr std::size_t receiveSize = 4096;
+constexpr std::size_t longestPath = 103; // sun_path has 104 bytes on macOS, one of them for the NUL.
+constexpr int timeoutSeconds = 5;
+constexpr std::size_t receiveSize = 4096;
 
-    std::unexpected<DaemonFailure> fail(DaemonError::Kind kind)
-    {
-        return std::unexpected<DaemonFailure>(DaemonError { kind, {} });
-    }
+std::unexpected<DaemonFailure> fail(DaemonError::Kind kind)
+{
+    return std::unexpected<DaemonFailure>(DaemonError { kind, {} });
+}
 
-    std::expected<std::string, DaemonFailure> serialize(const Json& request)
-    {
-        try {
-            return request.dump() + '\n';
-        } catch (const Json::exception&) {
-            // The library's own message quotes the offending text, which may be a token.
-            return std::unexpected(JsonSerializationError { "text is not UTF-8" });
-        }
+std::expected<std::string, DaemonFailure> serialize(const Json& request)
+{
+    try {
+        return request.dump() + '\n';
+    } catch (const Json::exception&) {
+        // The library's own message quotes the offending text, which may be a token.
+        return std::unexpected(JsonSerializationError { "text is not UTF-8" });
     }
+}
 
 }
 

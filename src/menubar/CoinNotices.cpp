@@ -7,10 +7,10 @@ namespace brevanta {
 
 namespace {
 
-    std::string withThreshold(const char* what, double balance, double threshold)
-    {
-        return what + formatFixed(balance, 0) + " (threshold: " + formatFixed(threshold, 0) + ")";
-    }
+std::string withThreshold(const char* what, double balance, double threshold)
+{
+    return what + formatFixed(balance, 0) + " (threshold: " + formatFixed(threshold, 0) + ")";
+}
 
 }
 

@@ -14,7 +14,7 @@ namespace brevanta {
 
 namespace {
 
-    constexpr auto tokenRefreshScript = "window.dispatchEvent(new CustomEvent('kestrelune_token_refresh'));";
+constexpr auto tokenRefreshScript = "window.dispatchEvent(new CustomEvent('kestrelune_token_refresh'));";
 
 }
 

@@ -6,91 +6,91 @@ namespace brevanta {
 
 namespace {
 
-    // The numbers by which the lines are known to the system's accessibility and scripting tools.
-    constexpr int filterTag = 300;
-    constexpr int serviceTag = 200;
-    constexpr int restartTag = 201;
-    constexpr int blockingTag = 100;
-    constexpr int reasonTag = 101;
-    constexpr int activeTaskTag = 102;
-    constexpr int quitTag = 400;
+// The numbers by which the lines are known to the system's accessibility and scripting tools.
+constexpr int filterTag = 300;
+constexpr int serviceTag = 200;
+constexpr int restartTag = 201;
+constexpr int blockingTag = 100;
+constexpr int reasonTag = 101;
+constexpr int activeTaskTag = 102;
+constexpr int quitTag = 400;
 
-    MenuItem command(MenuCommand id, std::string title, int tag = 0)
-    {
-        return { .id = static_cast<MenuItemId>(id), .tag = tag, .title = std::move(title), .keyEquivalent = {} };
+MenuItem command(MenuCommand id, std::string title, int tag = 0)
+{
+    return { .id = static_cast<MenuItemId>(id), .tag = tag, .title = std::move(title), .keyEquivalent = {} };
+}
+
+MenuItem withKey(MenuItem item, const char* key)
+{
+    item.keyEquivalent = key;
+    return item;
+}
+
+MenuItem enabledIf(MenuItem item, bool enabled)
+{
+    item.enabled = enabled;
+    return item;
+}
+
+MenuItem information(MenuItem item) { return enabledIf(std::move(item), false); }
+
+// A line that is shown only while there is something to say.
+MenuItem detail(MenuCommand id, int tag, const char* label, const std::optional<std::string>& text)
+{
+    const bool shown = text && !text->empty();
+    auto item = information(command(id, shown ? label + singleLine(*text) : std::string {}, tag));
+    item.visible = shown;
+    return item;
+}
+
+MenuItem component(MenuCommand id, int tag, const ComponentLine& line)
+{
+    return enabledIf(command(id, line.title, tag), line.action != ComponentAction::none);
+}
+
+MenuItem restart(const ComponentLine& service)
+{
+    auto item = command(MenuCommand::restartService, "Restart Blocking Service…", restartTag);
+    item.visible = service.action == ComponentAction::restartService;
+    return item;
+}
+
+MenuItem separator() { return { .kind = MenuItemKind::separator, .title = {}, .keyEquivalent = {} }; }
+
+std::string blockingTitle(const StatusMenuState& state)
+{
+    switch (state.contact) {
+    case ServiceContact::notAskedYet:
+        return "Blocking: Inactive";
+    case ServiceContact::starting:
+        return "Blocking service starting";
+    case ServiceContact::unreachable:
+        return "Blocking service unreachable";
+    case ServiceContact::answering:
+        break;
     }
+    return (state.blocking ? "Blocking: Active (" : "Blocking: Inactive (") + formatFixed(state.energy, 2) + " Coins)";
+}
 
-    MenuItem withKey(MenuItem item, const char* key)
-    {
-        item.keyEquivalent = key;
-        return item;
+StatusImage image(const StatusMenuState& state)
+{
+    if (state.contact != ServiceContact::answering)
+        return StatusImage::unknown;
+    return state.blocking ? StatusImage::block : StatusImage::open;
+}
+
+const char* description(StatusImage image)
+{
+    switch (image) {
+    case StatusImage::open:
+        return "Brevanta — not blocking";
+    case StatusImage::block:
+        return "Brevanta — blocking";
+    case StatusImage::unknown:
+        break;
     }
-
-    MenuItem enabledIf(MenuItem item, bool enabled)
-    {
-        item.enabled = enabled;
-        return item;
-    }
-
-    MenuItem information(MenuItem item) { return enabledIf(std::move(item), false); }
-
-    // A line that is shown only while there is something to say.
-    MenuItem detail(MenuCommand id, int tag, const char* label, const std::optional<std::string>& text)
-    {
-        const bool shown = text && !text->empty();
-        auto item = information(command(id, shown ? label + singleLine(*text) : std::string {}, tag));
-        item.visible = shown;
-        return item;
-    }
-
-    MenuItem component(MenuCommand id, int tag, const ComponentLine& line)
-    {
-        return enabledIf(command(id, line.title, tag), line.action != ComponentAction::none);
-    }
-
-    MenuItem restart(const ComponentLine& service)
-    {
-        auto item = command(MenuCommand::restartService, "Restart Blocking Service…", restartTag);
-        item.visible = service.action == ComponentAction::restartService;
-        return item;
-    }
-
-    MenuItem separator() { return { .kind = MenuItemKind::separator, .title = {}, .keyEquivalent = {} }; }
-
-    std::string blockingTitle(const StatusMenuState& state)
-    {
-        switch (state.contact) {
-        case ServiceContact::notAskedYet:
-            return "Blocking: Inactive";
-        case ServiceContact::starting:
-            return "Blocking service starting";
-        case ServiceContact::unreachable:
-            return "Blocking service unreachable";
-        case ServiceContact::answering:
-            break;
-        }
-        return (state.blocking ? "Blocking: Active (" : "Blocking: Inactive (") + formatFixed(state.energy, 2) + " Coins)";
-    }
-
-    StatusImage image(const StatusMenuState& state)
-    {
-        if (state.contact != ServiceContact::answering)
-            return StatusImage::unknown;
-        return state.blocking ? StatusImage::block : StatusImage::open;
-    }
-
-    const char* description(StatusImage image)
-    {
-        switch (image) {
-        case StatusImage::open:
-            return "Brevanta — not blocking";
-        case StatusImage::block:
-            return "Brevanta — blocking";
-        case StatusImage::unknown:
-            break;
-        }
-        return "Brevanta — status unknown";
-    }
+    return "Brevanta — status unknown";
+}
 
 }
 
@@ -106,10 +106,10 @@ StatusItemContent statusItemContent(const StatusMenuState& state)
         .menu = { {
             withKey(command(MenuCommand::openWindow, "Open Brevanta"), "o"),
             information(command(MenuCommand::showVersion, "Brevanta " + state.version)),
-            enabledIf(command(MenuCommand::checkForUpdates, "Check for Updates…"),
-                state.updater == Availability::available),
-            enabledIf(withKey(command(MenuCommand::reloadWindow, "Reload"), "r"),
-                state.webShell == Availability::available),
+            enabledIf(
+                command(MenuCommand::checkForUpdates, "Check for Updates…"), state.updater == Availability::available),
+            enabledIf(
+                withKey(command(MenuCommand::reloadWindow, "Reload"), "r"), state.webShell == Availability::available),
             component(MenuCommand::contentFilter, filterTag, state.filter),
             component(MenuCommand::blockingService, serviceTag, state.service),
             restart(state.service),

@@ -6,12 +6,12 @@ namespace brevanta {
 
 namespace {
 
-    constexpr int reloadThreshold = 5;
-    constexpr int mostAttempts = 5;
-    constexpr double latchSeconds = 30;
-    constexpr double backoffCap = 300;
+constexpr int reloadThreshold = 5;
+constexpr int mostAttempts = 5;
+constexpr double latchSeconds = 30;
+constexpr double backoffCap = 300;
 
-    std::string persisted(int streak) { return "auth_token_invalid persisted " + std::to_string(streak) + " polls → "; }
+std::string persisted(int streak) { return "auth_token_invalid persisted " + std::to_string(streak) + " polls → "; }
 
 }
 

@@ -4,81 +4,80 @@ namespace brevanta {
 
 namespace {
 
-    // Reads the members of one record; the first required member that is missing or of the wrong kind spoils it.
-    class RecordReader {
-    public:
-        explicit RecordReader(json::Element element)
-            : m_object(json::asObject(element))
-        {
-        }
-
-        [[nodiscard]] bool isWhole() const { return m_object && m_whole; }
-
-        std::string text(std::string_view key) { return std::string(required(key, json::asText)); }
-        std::int64_t integer(std::string_view key) { return required(key, json::asInt64); }
-        double number(std::string_view key) { return required(key, json::asDouble); }
-
-        std::optional<std::string> optionalText(std::string_view key)
-        {
-            const auto value = member(key);
-            if (!value)
-                return std::nullopt;
-            const auto text = json::asText(*value);
-            m_whole = m_whole && text;
-            return text ? std::optional<std::string>(*text) : std::nullopt;
-        }
-
-        std::optional<std::string> optionalTextOrNothing(std::string_view key)
-        {
-            const auto value = member(key);
-            const auto text = value ? json::asText(*value) : std::nullopt;
-            return text ? std::optional<std::string>(*text) : std::nullopt;
-        }
-
-        std::optional<std::string> optionalIdentifier(std::string_view key)
-        {
-            const auto value = member(key);
-            if (value) {
-                if (const auto integer = json::asInt64(*value))
-                    return std::to_string(*integer);
-            }
-            return optionalText(key);
-        }
-
-        template<typename Enum> Enum oneOf(std::string_view key, std::initializer_list<std::pair<const char*, Enum>> names)
-        {
-            const auto name = text(key);
-            for (const auto& [known, value] : names) {
-                if (name == known)
-                    return value;
-            }
-            m_whole = false;
-            return {};
-        }
-
-    private:
-        std::optional<json::Element> member(std::string_view key) const
-        {
-            return m_object ? json::member(*m_object, key) : std::nullopt;
-        }
-
-        template<typename Value>
-        Value required(std::string_view key, std::optional<Value> (*convert)(json::Element))
-        {
-            const auto element = member(key);
-            const auto value = element ? convert(*element) : std::nullopt;
-            m_whole = m_whole && value;
-            return value.value_or(Value {});
-        }
-
-        std::optional<json::Object> m_object;
-        bool m_whole { true };
-    };
-
-    template<typename Record> std::optional<Record> ifWhole(const RecordReader& reader, Record record)
+// Reads the members of one record; the first required member that is missing or of the wrong kind spoils it.
+class RecordReader {
+public:
+    explicit RecordReader(json::Element element)
+        : m_object(json::asObject(element))
     {
-        return reader.isWhole() ? std::optional(std::move(record)) : std::nullopt;
     }
+
+    [[nodiscard]] bool isWhole() const { return m_object && m_whole; }
+
+    std::string text(std::string_view key) { return std::string(required(key, json::asText)); }
+    std::int64_t integer(std::string_view key) { return required(key, json::asInt64); }
+    double number(std::string_view key) { return required(key, json::asDouble); }
+
+    std::optional<std::string> optionalText(std::string_view key)
+    {
+        const auto value = member(key);
+        if (!value)
+            return std::nullopt;
+        const auto text = json::asText(*value);
+        m_whole = m_whole && text;
+        return text ? std::optional<std::string>(*text) : std::nullopt;
+    }
+
+    std::optional<std::string> optionalTextOrNothing(std::string_view key)
+    {
+        const auto value = member(key);
+        const auto text = value ? json::asText(*value) : std::nullopt;
+        return text ? std::optional<std::string>(*text) : std::nullopt;
+    }
+
+    std::optional<std::string> optionalIdentifier(std::string_view key)
+    {
+        const auto value = member(key);
+        if (value) {
+            if (const auto integer = json::asInt64(*value))
+                return std::to_string(*integer);
+        }
+        return optionalText(key);
+    }
+
+    template <typename Enum> Enum oneOf(std::string_view key, std::initializer_list<std::pair<const char*, Enum>> names)
+    {
+        const auto name = text(key);
+        for (const auto& [known, value] : names) {
+            if (name == known)
+                return value;
+        }
+        m_whole = false;
+        return {};
+    }
+
+private:
+    std::optional<json::Element> member(std::string_view key) const
+    {
+        return m_object ? json::member(*m_object, key) : std::nullopt;
+    }
+
+    template <typename Value> Value required(std::string_view key, std::optional<Value> (*convert)(json::Element))
+    {
+        const auto element = member(key);
+        const auto value = element ? convert(*element) : std::nullopt;
+        m_whole = m_whole && value;
+        return value.value_or(Value {});
+    }
+
+    std::optional<json::Object> m_object;
+    bool m_whole { true };
+};
+
+template <typename Record> std::optional<Record> ifWhole(const RecordReader& reader, Record record)
+{
+    return reader.isWhole() ? std::optional(std::move(record)) : std::nullopt;
+}
 
 }
 

@@ -64,7 +64,7 @@ struct PendingTaskResume {
 };
 
 // The records of the array in their order; elements that do not decode are left out and cost their neighbours nothing.
-template<typename Record> [[nodiscard]] std::vector<Record> decodeLossyArray(json::Array array)
+template <typename Record> [[nodiscard]] std::vector<Record> decodeLossyArray(json::Array array)
 {
     std::vector<Record> records;
     for (const auto element : array) {

@@ -34,10 +34,12 @@ public:
     virtual ~AlertPanel() = default;
 
     // Shows the alert and returns at once. `onEnd` is called exactly once, on the main thread, after this call has
-    // returned. An alert whose identifier is on screen already ends as withdrawn without being shown.
+    // returned, unless the panel is destroyed first. An alert whose identifier is on screen already ends as withdrawn
+    // without being shown.
     virtual void present(const Alert& alert, std::function<void(AlertResponse)> onEnd) = 0;
 
-    // Takes the alert off the screen; it ends as withdrawn. Does nothing when no such alert is shown.
+    // Takes the alert off the screen; it ends as withdrawn, after this call has returned. Does nothing when no such
+    // alert is shown.
     virtual void withdraw(const std::string& identifier) = 0;
 };
 

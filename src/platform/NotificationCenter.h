@@ -26,7 +26,8 @@ class NotificationCenter {
 public:
     virtual ~NotificationCenter() = default;
 
-    // Delivers the notification at once. `onEnd` is called exactly once on the main thread, after this call returned.
+    // Delivers the notification at once. `onEnd` is called exactly once on the main thread, after this call returned,
+    // unless the center is destroyed first.
     virtual void add(
         const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd)
         = 0;

@@ -13,48 +13,54 @@ namespace brevanta {
 
 namespace {
 
-    // Nobody listens anywhere.
-    class DeafSockets final : public LocalSocketConnector {
-    public:
-        [[nodiscard]] std::unique_ptr<LocalConnection> connect(const std::string& path, int) override
-        {
-            paths.push_back(path);
-            return nullptr;
-        }
-        void interrupt() override { ++interrupts; }
+// Nobody listens anywhere.
+class DeafSockets final : public LocalSocketConnector {
+public:
+    [[nodiscard]] std::unique_ptr<LocalConnection> connect(const std::string& path, int) override
+    {
+        paths.push_back(path);
+        return nullptr;
+    }
+    void interrupt() override { ++interrupts; }
 
-        std::vector<std::string> paths;
-        int interrupts { 0 };
-    };
+    std::vector<std::string> paths;
+    int interrupts { 0 };
+};
 
-    class AppDelegateTest : public testing::Test {
-    protected:
-        void launch()
-        {
-            delegate.applicationWillFinishLaunching();
-            delegate.applicationDidFinishLaunching();
-            queue.runAll();
-            mainLoop.runPosted();
-        }
+class AppDelegateTest : public testing::Test {
+protected:
+    void launch()
+    {
+        delegate.applicationWillFinishLaunching();
+        delegate.applicationDidFinishLaunching();
+        queue.runAll();
+        mainLoop.runPosted();
+    }
 
-        FakeClock clock;
-        FakeMainLoop mainLoop { clock };
-        ManualExecutor queue;
-        DeafSockets sockets;
-        FakeSystemLog log;
-        FakeUserDefaults defaults;
-        FakeApplicationLifecycle lifecycle;
-        FakeMainWindow window;
-        FakeStatusItem statusItem;
-        FakeAlertPanel alerts { mainLoop };
-        FakeWorkspace workspace { mainLoop };
-        FakeNotificationCenter notifications { mainLoop };
-        FakeLoginRecords loginRecords;
-        AppDelegate delegate { AppPorts { mainLoop, queue, sockets, clock, log, defaults, lifecycle, window, statusItem,
-                                   alerts, workspace, notifications, loginRecords },
-            BuildConfiguration { .version = "0.121.0", .bundleIdentifier = {}, .root = "/", .socketPath = "/the/socket",
-                .appUrl = {}, .trustedHosts = {}, .signInHosts = {}, .extraCertificate = std::nullopt } };
-    };
+    FakeClock clock;
+    FakeMainLoop mainLoop { clock };
+    ManualExecutor queue;
+    DeafSockets sockets;
+    FakeSystemLog log;
+    FakeUserDefaults defaults;
+    FakeApplicationLifecycle lifecycle;
+    FakeMainWindow window;
+    FakeStatusItem statusItem;
+    FakeAlertPanel alerts { mainLoop };
+    FakeWorkspace workspace { mainLoop };
+    FakeNotificationCenter notifications { mainLoop };
+    FakeLoginRecords loginRecords;
+    AppDelegate delegate { AppPorts { mainLoop, queue, sockets, clock, log, defaults, lifecycle, window, statusItem,
+                               alerts, workspace, notifications, loginRecords },
+        BuildConfiguration { .version = "0.121.0",
+            .bundleIdentifier = {},
+            .root = "/",
+            .socketPath = "/the/socket",
+            .appUrl = {},
+            .trustedHosts = {},
+            .signInHosts = {},
+            .extraCertificate = std::nullopt } };
+};
 
 }
 

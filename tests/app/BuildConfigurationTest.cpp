@@ -9,18 +9,18 @@ namespace brevanta {
 
 namespace {
 
-    BuildConfiguration configurationWith(const std::map<std::string, std::string>& environment)
-    {
-        const auto read = [&](const char* name) {
-            const auto found = environment.find(name);
-            return found == environment.end() ? std::nullopt : std::optional(found->second);
-        };
-        return buildConfiguration(read, "/some/root/Applications/Brevanta.app/Contents/MacOS/Brevanta");
-    }
+BuildConfiguration configurationWith(const std::map<std::string, std::string>& environment)
+{
+    const auto read = [&](const char* name) {
+        const auto found = environment.find(name);
+        return found == environment.end() ? std::nullopt : std::optional(found->second);
+    };
+    return buildConfiguration(read, "/some/root/Applications/Brevanta.app/Contents/MacOS/Brevanta");
+}
 
-    const std::map<std::string, std::string> everything { { "BREVANTA_ROOT", "/r" }, { "BREVANTA_SOCKET", "/s" },
-        { "BREVANTA_APP_URL", "https://localhost:8443/" }, { "BREVANTA_TRUSTED_HOSTS", "LocalHost, ,other.example" },
-        { "BREVANTA_SIGN_IN_HOSTS", "signin.example" }, { "BREVANTA_TLS_CERT", "/c.pem" } };
+const std::map<std::string, std::string> everything { { "BREVANTA_ROOT", "/r" }, { "BREVANTA_SOCKET", "/s" },
+    { "BREVANTA_APP_URL", "https://localhost:8443/" }, { "BREVANTA_TRUSTED_HOSTS", "LocalHost, ,other.example" },
+    { "BREVANTA_SIGN_IN_HOSTS", "signin.example" }, { "BREVANTA_TLS_CERT", "/c.pem" } };
 
 }
 

@@ -7,23 +7,23 @@ namespace brevanta {
 
 namespace {
 
-    struct Parsed {
-        json::Parser parser;
-        PaddedBuffer bytes;
-        std::expected<json::Element, JsonParseError> root;
+struct Parsed {
+    json::Parser parser;
+    PaddedBuffer bytes;
+    std::expected<json::Element, JsonParseError> root;
 
-        explicit Parsed(std::string_view text)
-            : root((bytes.assign(text), json::parse(parser, bytes)))
-        {
-        }
-    };
+    explicit Parsed(std::string_view text)
+        : root((bytes.assign(text), json::parse(parser, bytes)))
+    {
+    }
+};
 
 }
 
 TEST(JsonReader, OnlyOneWholeValueParses)
 {
-    for (const char* text : { "", " ", "\n", "{", "{\"a\":1", "{} {}", "{}x", "[1 2]", "tru", "01", "{'a':1}", "{\"a\":}",
-             "\"\xFF\"", "nul", "1e999" })
+    for (const char* text : { "", " ", "\n", "{", "{\"a\":1", "{} {}", "{}x", "[1 2]", "tru", "01", "{'a':1}",
+             "{\"a\":}", "\"\xFF\"", "nul", "1e999" })
         EXPECT_FALSE(Parsed(text).root) << text;
     for (const char* text : { "{}", " {\n} \n", "[]", "1", "\"x\"", "null" })
         EXPECT_TRUE(Parsed(text).root) << text;

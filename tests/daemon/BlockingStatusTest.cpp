@@ -7,32 +7,29 @@ namespace brevanta {
 
 namespace {
 
-    DaemonFailure failureOf(const Json& reply)
-    {
-        const auto status = decodeStatus(reply.dump());
-        return status ? DaemonFailure(DaemonError { DaemonError::Kind::rejected, "it decoded" }) : status.error();
-    }
+DaemonFailure failureOf(const Json& reply)
+{
+    const auto status = decodeStatus(reply.dump());
+    return status ? DaemonFailure(DaemonError { DaemonError::Kind::rejected, "it decoded" }) : status.error();
+}
 
-    DaemonFailure wrongType(const char* key)
-    {
-        return StatusDecodingError { StatusDecodingError::Kind::wrongType, key };
-    }
+DaemonFailure wrongType(const char* key) { return StatusDecodingError { StatusDecodingError::Kind::wrongType, key }; }
 
-    DaemonFailure missing(const char* key) { return StatusDecodingError { StatusDecodingError::Kind::missing, key }; }
+DaemonFailure missing(const char* key) { return StatusDecodingError { StatusDecodingError::Kind::missing, key }; }
 
-    std::vector<std::string> copy(BlockingStatus::List list) { return { list.begin(), list.end() }; }
+std::vector<std::string> copy(BlockingStatus::List list) { return { list.begin(), list.end() }; }
 
-    const char* const lists[] = { "blocked_domains", "blocked_ips", "blocked_apps", "auto_track_domains",
-        "auto_track_apps", "metered_ip_prefixes", "metered_domains" };
-    const char* const queues[]
-        = { "pending_reminders", "pending_app_rejections", "pending_task_resumes", "pending_local_alerts" };
-    const char* const booleans[] = { "notify_macos_low_lp", "notify_macos_no_lp", "notify_macos_high_lp",
-        "notify_macos_auto_track_start", "notify_macos_auto_track_stop", "notify_macos_app_blocked", "has_device_token",
-        "auth_token_invalid" };
-    const char* const numbers[]
-        = { "active_task_earn_rate", "low_lp_threshold", "high_lp_threshold", "account_deleted_at" };
-    const char* const texts[] = { "auth_token", "api_base_url", "block_reason", "active_task_title", "daemon_boot_id",
-        "filter_health_result", "daemon_version", "lease_boot_session_uuid" };
+const char* const lists[] = { "blocked_domains", "blocked_ips", "blocked_apps", "auto_track_domains", "auto_track_apps",
+    "metered_ip_prefixes", "metered_domains" };
+const char* const queues[]
+    = { "pending_reminders", "pending_app_rejections", "pending_task_resumes", "pending_local_alerts" };
+const char* const booleans[]
+    = { "notify_macos_low_lp", "notify_macos_no_lp", "notify_macos_high_lp", "notify_macos_auto_track_start",
+          "notify_macos_auto_track_stop", "notify_macos_app_blocked", "has_device_token", "auth_token_invalid" };
+const char* const numbers[]
+    = { "active_task_earn_rate", "low_lp_threshold", "high_lp_threshold", "account_deleted_at" };
+const char* const texts[] = { "auth_token", "api_base_url", "block_reason", "active_task_title", "daemon_boot_id",
+    "filter_health_result", "daemon_version", "lease_boot_session_uuid" };
 
 }
 
@@ -68,10 +65,10 @@ TEST(BlockingStatus, EachKeyReachesItsOwnField)
         { "notify_macos_auto_track_stop", true }, { "notify_macos_app_blocked", false }, { "low_lp_threshold", 10 },
         { "high_lp_threshold", 50.5 }, { "has_device_token", true }, { "account_deleted_at", 17 },
         { "daemon_boot_id", "boot" }, { "filter_health_result", "accepted" }, { "auth_token_invalid", false },
-        { "auto_track_sessions", Json::array({ { { "bundle_id", "x" }, { "session_id", "y" } },
-                                     { { "bundle_id", "z" }, { "session_id", "w" }, { "budget_end_epoch", 9 } } }) },
-        { "daemon_version", "1.2.3" }, { "lease_boot_session_uuid", "uuid" },
-        { "lease_until_uptime_ns", UINT64_MAX } };
+        { "auto_track_sessions",
+            Json::array({ { { "bundle_id", "x" }, { "session_id", "y" } },
+                { { "bundle_id", "z" }, { "session_id", "w" }, { "budget_end_epoch", 9 } } }) },
+        { "daemon_version", "1.2.3" }, { "lease_boot_session_uuid", "uuid" }, { "lease_until_uptime_ns", UINT64_MAX } };
     const auto status = statusWith(additions);
     EXPECT_FALSE(status->blocking);
     EXPECT_EQ(status->energy, -1.25);
@@ -98,8 +95,8 @@ TEST(BlockingStatus, EachKeyReachesItsOwnField)
     EXPECT_EQ(status->daemonBootId, "boot");
     EXPECT_EQ(status->filterHealthResult, "accepted");
     EXPECT_EQ(status->authTokenInvalid, false);
-    EXPECT_EQ(status->autoTrackSessions,
-        (std::vector<AutoTrackSessionInfo> { { "x", "y", std::nullopt }, { "z", "w", 9 } }));
+    EXPECT_EQ(
+        status->autoTrackSessions, (std::vector<AutoTrackSessionInfo> { { "x", "y", std::nullopt }, { "z", "w", 9 } }));
     EXPECT_EQ(status->daemonVersion, "1.2.3");
     EXPECT_EQ(status->leaseBootSessionUUID, "uuid");
     EXPECT_EQ(status->leaseUntilUptimeNs, UINT64_MAX);
@@ -176,8 +173,8 @@ TEST(BlockingStatus, WhatIsNoObjectIsAnInvalidResponseAndWhatIsNoJsonAParseError
     for (const char* reply : { "[]", "[{}]\n", "\"text\"", "5", "true", "null" })
         EXPECT_EQ(decodeStatus(reply).error(), DaemonFailure(DaemonError { DaemonError::Kind::invalidResponse, {} }));
     const std::string whole = statusReply().dump();
-    for (const std::string& reply : { std::string(), std::string("\n"), whole.substr(0, whole.size() / 2), whole + whole,
-             whole + "x", std::string("garbage\n"), std::string("\0\0", 2) })
+    for (const std::string& reply : { std::string(), std::string("\n"), whole.substr(0, whole.size() / 2),
+             whole + whole, whole + "x", std::string("garbage\n"), std::string("\0\0", 2) })
         EXPECT_TRUE(std::holds_alternative<JsonParseError>(decodeStatus(reply).error())) << reply;
     EXPECT_TRUE(decodeStatus(whole + " \n"));
 }

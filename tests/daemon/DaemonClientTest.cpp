@@ -10,32 +10,32 @@ namespace brevanta {
 
 namespace {
 
-    class DaemonClientTest : public testing::Test {
-    protected:
-        void settle()
-        {
-            queue.runAll();
-            mainLoop.runPosted();
-        }
+class DaemonClientTest : public testing::Test {
+protected:
+    void settle()
+    {
+        queue.runAll();
+        mainLoop.runPosted();
+    }
 
-        std::unique_ptr<DaemonClient> makeClient()
-        {
-            return std::make_unique<DaemonClient>(std::make_unique<FakeDaemonTransport>([this](const Json& request) {
-                requests.push_back(request);
-                return reply;
-            }),
-                queue, mainLoop);
-        }
+    std::unique_ptr<DaemonClient> makeClient()
+    {
+        return std::make_unique<DaemonClient>(std::make_unique<FakeDaemonTransport>([this](const Json& request) {
+            requests.push_back(request);
+            return reply;
+        }),
+            queue, mainLoop);
+    }
 
-        FakeClock clock;
-        FakeMainLoop mainLoop { clock };
-        ManualExecutor queue;
-        std::vector<Json> requests;
-        FakeDaemonTransport::Answer reply { "{\"ok\":true}\n" };
-        std::unique_ptr<DaemonClient> client { makeClient() };
-    };
+    FakeClock clock;
+    FakeMainLoop mainLoop { clock };
+    ManualExecutor queue;
+    std::vector<Json> requests;
+    FakeDaemonTransport::Answer reply { "{\"ok\":true}\n" };
+    std::unique_ptr<DaemonClient> client { makeClient() };
+};
 
-    DaemonFailure rejected(const char* reason) { return DaemonError { DaemonError::Kind::rejected, reason }; }
+DaemonFailure rejected(const char* reason) { return DaemonError { DaemonError::Kind::rejected, reason }; }
 
 }
 

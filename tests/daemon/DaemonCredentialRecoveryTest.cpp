@@ -2,35 +2,35 @@
 
 #include "daemon/BlockingStatus.h"
 
-#include <gtest/gtest.h>
 #include <functional>
+#include <gtest/gtest.h>
 #include <vector>
 
 namespace brevanta {
 
 namespace {
 
-    BlockingStatus status(std::optional<bool> hasToken, std::optional<std::string> bootId = std::nullopt,
-        std::optional<double> deletedAt = std::nullopt)
-    {
-        BlockingStatus made;
-        made.hasDeviceToken = hasToken;
-        made.daemonBootId = std::move(bootId);
-        made.accountDeletedAt = deletedAt;
-        return made;
-    }
+BlockingStatus status(std::optional<bool> hasToken, std::optional<std::string> bootId = std::nullopt,
+    std::optional<double> deletedAt = std::nullopt)
+{
+    BlockingStatus made;
+    made.hasDeviceToken = hasToken;
+    made.daemonBootId = std::move(bootId);
+    made.accountDeletedAt = deletedAt;
+    return made;
+}
 
-    // The seconds at which one poll a second signals.
-    std::vector<int> signalsUntil(int end, const std::function<BlockingStatus(int)>& statusAt)
-    {
-        DaemonCredentialRecovery recovery;
-        std::vector<int> signals;
-        for (int now = 0; now <= end; ++now) {
-            if (recovery.shouldSignal(statusAt(now), now))
-                signals.push_back(now);
-        }
-        return signals;
+// The seconds at which one poll a second signals.
+std::vector<int> signalsUntil(int end, const std::function<BlockingStatus(int)>& statusAt)
+{
+    DaemonCredentialRecovery recovery;
+    std::vector<int> signals;
+    for (int now = 0; now <= end; ++now) {
+        if (recovery.shouldSignal(statusAt(now), now))
+            signals.push_back(now);
     }
+    return signals;
+}
 
 }
 
@@ -45,9 +45,7 @@ TEST(DaemonCredentialRecovery, ARestartOfTheServiceBeginsAnew)
     EXPECT_EQ(signalsUntil(60, [](int now) { return status(false, now < 35 ? "one" : "two"); }),
         (std::vector { 0, 10, 30, 35, 45 }));
     // A status without a boot identifier says nothing about a restart, and does not forget the last one.
-    EXPECT_EQ(signalsUntil(60, [](int now) {
-        return now % 2 ? status(false) : status(false, "one");
-    }),
+    EXPECT_EQ(signalsUntil(60, [](int now) { return now % 2 ? status(false) : status(false, "one"); }),
         (std::vector { 0, 10, 30 }));
 }
 

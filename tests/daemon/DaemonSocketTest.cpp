@@ -16,48 +16,48 @@ namespace brevanta {
 
 namespace {
 
-    using Peer = ScriptedServer::Peer;
+using Peer = ScriptedServer::Peer;
 
-    class DaemonSocketTest : public testing::Test {
-    protected:
-        DaemonSocketTest() { ignoreBrokenPipeSignal(); }
+class DaemonSocketTest : public testing::Test {
+protected:
+    DaemonSocketTest() { ignoreBrokenPipeSignal(); }
 
-        std::unique_ptr<DaemonClient> clientFor(const std::string& path)
-        {
-            return std::make_unique<DaemonClient>(std::make_unique<SocketTransport>(path, sockets), queue, mainLoop);
-        }
-
-        // What a status request to the server comes to.
-        DecodedStatus statusFrom(const std::function<void(const Peer&)>& serve)
-        {
-            const ScriptedServer server(serve);
-            return statusAt(server.path());
-        }
-
-        DecodedStatus statusAt(const std::string& path)
-        {
-            const auto client = clientFor(path);
-            std::optional<DecodedStatus> answer;
-            client->getStatus(std::nullopt, [&](const auto& result) { answer = result; });
-            while (!answer)
-                mainLoop.awaitPosted();
-            return *answer;
-        }
-
-        FakeClock clock;
-        FakeMainLoop mainLoop { clock };
-        LocalSocketPosix sockets;
-        SerialQueue queue { blockAllSignals };
-    };
-
-    // A status reply of exactly this many bytes, its line feed included.
-    std::string replyOfSize(std::size_t size)
+    std::unique_ptr<DaemonClient> clientFor(const std::string& path)
     {
-        std::string reply = statusReply({ { "api_base_url", "" } }).dump() + "\n";
-        return reply.insert(reply.find("\"api_base_url\":\"") + 16, std::string(size - reply.size(), 'x'));
+        return std::make_unique<DaemonClient>(std::make_unique<SocketTransport>(path, sockets), queue, mainLoop);
     }
 
-    const DaemonFailure connectionFailed = DaemonError { DaemonError::Kind::connectionFailed, {} };
+    // What a status request to the server comes to.
+    DecodedStatus statusFrom(const std::function<void(const Peer&)>& serve)
+    {
+        const ScriptedServer server(serve);
+        return statusAt(server.path());
+    }
+
+    DecodedStatus statusAt(const std::string& path)
+    {
+        const auto client = clientFor(path);
+        std::optional<DecodedStatus> answer;
+        client->getStatus(std::nullopt, [&](const auto& result) { answer = result; });
+        while (!answer)
+            mainLoop.awaitPosted();
+        return *answer;
+    }
+
+    FakeClock clock;
+    FakeMainLoop mainLoop { clock };
+    LocalSocketPosix sockets;
+    SerialQueue queue { blockAllSignals };
+};
+
+// A status reply of exactly this many bytes, its line feed included.
+std::string replyOfSize(std::size_t size)
+{
+    std::string reply = statusReply({ { "api_base_url", "" } }).dump() + "\n";
+    return reply.insert(reply.find("\"api_base_url\":\"") + 16, std::string(size - reply.size(), 'x'));
+}
+
+const DaemonFailure connectionFailed = DaemonError { DaemonError::Kind::connectionFailed, {} };
 
 }
 
@@ -137,9 +137,8 @@ TEST_F(DaemonSocketTest, EachMisbehaviourIsItsOwnErrorAndTheNextRequestSucceeds)
         std::function<void(const Peer&)> serve;
         std::function<bool(const DecodedStatus&)> expected;
     };
-    const auto isParseError = [](const DecodedStatus& status) {
-        return !status && std::holds_alternative<JsonParseError>(status.error());
-    };
+    const auto isParseError
+        = [](const DecodedStatus& status) { return !status && std::holds_alternative<JsonParseError>(status.error()); };
     const auto isDecodingError = [](const DecodedStatus& status) {
         return !status && std::holds_alternative<StatusDecodingError>(status.error());
     };
@@ -160,7 +159,8 @@ TEST_F(DaemonSocketTest, EachMisbehaviourIsItsOwnErrorAndTheNextRequestSucceeds)
             } },
         { "wrong types", answering(R"({"should_block":"yes","energy":3})"), isDecodingError },
         { "an acknowledgement instead of a status", answering(R"({"ok":true,"error":"x"})"), isDecodingError },
-        { "no line feed, then close", answering(reply), [](const DecodedStatus& status) { return status.has_value(); } },
+        { "no line feed, then close", answering(reply),
+            [](const DecodedStatus& status) { return status.has_value(); } },
         { "two objects", answering(reply + reply + "\n"), isParseError },
     };
     for (const auto& [name, serve, expected] : cases) {

@@ -7,33 +7,33 @@ namespace brevanta {
 
 namespace {
 
-    std::optional<RemovalSnapshot> decode(const Json& record)
-    {
-        json::Parser parser;
-        PaddedBuffer bytes;
-        bytes.assign(record.dump());
-        return RemovalSnapshot::decode(*json::parse(parser, bytes));
-    }
+std::optional<RemovalSnapshot> decode(const Json& record)
+{
+    json::Parser parser;
+    PaddedBuffer bytes;
+    bytes.assign(record.dump());
+    return RemovalSnapshot::decode(*json::parse(parser, bytes));
+}
 
-    Json record(const Json& additions = Json::object())
-    {
-        Json whole { { "state", "pending" }, { "launch", "A" }, { "launch_order", 5 }, { "seq", 3 } };
-        whole.update(additions);
-        return whole;
-    }
+Json record(const Json& additions = Json::object())
+{
+    Json whole { { "state", "pending" }, { "launch", "A" }, { "launch_order", 5 }, { "seq", 3 } };
+    whole.update(additions);
+    return whole;
+}
 
-    constexpr std::uint64_t twoToThe53 = 1ULL << 53U;
+constexpr std::uint64_t twoToThe53 = 1ULL << 53U;
 
 }
 
 TEST(RemovalSnapshot, AWholeRecordKeepsEveryField)
 {
-    const auto snapshot = decode(record({ { "origin", "app_missing" }, { "expires_at", 1.5 }, { "action_id", 0 },
-        { "queue_error", "refreshed" }, { "requesting", true }, { "account", "0123" }, { "finishing_by", 2 },
-        { "blocking_off", true } }));
+    const auto snapshot = decode(
+        record({ { "origin", "app_missing" }, { "expires_at", 1.5 }, { "action_id", 0 }, { "queue_error", "refreshed" },
+            { "requesting", true }, { "account", "0123" }, { "finishing_by", 2 }, { "blocking_off", true } }));
     EXPECT_EQ(snapshot,
-        (RemovalSnapshot { RemovalSnapshot::State::pending, "app_missing", 1.5, 0, "refreshed", true, "0123", "A", 5, 3,
-            2, true }));
+        (RemovalSnapshot {
+            RemovalSnapshot::State::pending, "app_missing", 1.5, 0, "refreshed", true, "0123", "A", 5, 3, 2, true }));
 }
 
 TEST(RemovalSnapshot, ABrokenRequiredRuleMakesTheWholeRecordAbsent)
@@ -61,12 +61,12 @@ TEST(RemovalSnapshot, LimitsOfTheRequiredRulesAreInclusive)
 TEST(RemovalSnapshot, ABrokenOptionalRuleDropsOnlyThatField)
 {
     const auto plain = decode(record());
-    for (const Json& bad : { Json({ { "origin", "elsewhere" } }), Json({ { "origin", 1 } }), Json({ { "expires_at", 0 } }),
-             Json({ { "expires_at", -1 } }), Json({ { "expires_at", true } }), Json({ { "action_id", 1.5 } }),
-             Json({ { "action_id", -1 } }), Json({ { "action_id", true } }), Json({ { "action_id", twoToThe53 } }),
-             Json({ { "queue_error", 5 } }), Json({ { "requesting", 1 } }), Json({ { "account", "" } }),
-             Json({ { "account", "12a" } }), Json({ { "account", std::string(33, '1') } }), Json({ { "account", 12 } }),
-             Json({ { "finishing_by", 0 } }), Json({ { "blocking_off", 1 } }) })
+    for (const Json& bad : { Json({ { "origin", "elsewhere" } }), Json({ { "origin", 1 } }),
+             Json({ { "expires_at", 0 } }), Json({ { "expires_at", -1 } }), Json({ { "expires_at", true } }),
+             Json({ { "action_id", 1.5 } }), Json({ { "action_id", -1 } }), Json({ { "action_id", true } }),
+             Json({ { "action_id", twoToThe53 } }), Json({ { "queue_error", 5 } }), Json({ { "requesting", 1 } }),
+             Json({ { "account", "" } }), Json({ { "account", "12a" } }), Json({ { "account", std::string(33, '1') } }),
+             Json({ { "account", 12 } }), Json({ { "finishing_by", 0 } }), Json({ { "blocking_off", 1 } }) })
         EXPECT_EQ(decode(record(bad)), plain) << bad;
     EXPECT_EQ(decode(record({ { "account", std::string(32, '1') } }))->account, std::string(32, '1'));
     EXPECT_EQ(decode(record({ { "queue_error", "no idea" } }))->queueError, "unavailable");

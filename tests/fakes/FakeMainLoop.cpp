@@ -3,6 +3,7 @@
 #include "fakes/ManualExecutor.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace brevanta {
 
@@ -29,14 +30,17 @@ void FakeMainLoop::post(std::function<void()> work)
 
 std::unique_ptr<Timer> FakeMainLoop::startTimer(double seconds, TimerRepeat repeat, std::function<void()> callback)
 {
-    const double delay = std::max(0.0, seconds);
-    auto entry = std::make_shared<Entry>(
-        Entry { m_clock.continuousSeconds() + delay, delay, repeat, std::move(callback) });
+    const double delay = seconds > 0 ? seconds : 0;
+    auto entry
+        = std::make_shared<Entry>(Entry { m_clock.continuousSeconds() + delay, delay, repeat, std::move(callback) });
     m_timers.push_back(entry);
     return std::make_unique<FakeTimer>(*this, std::move(entry));
 }
 
-bool FakeMainLoop::isMainThread() const { return std::this_thread::get_id() == m_thread && !ManualExecutor::isRunning(); }
+bool FakeMainLoop::isMainThread() const
+{
+    return std::this_thread::get_id() == m_thread && !ManualExecutor::isRunning();
+}
 
 void FakeMainLoop::runPosted()
 {
@@ -71,16 +75,24 @@ void FakeMainLoop::advance(double seconds)
     m_clock.setContinuousSeconds(until);
 }
 
+// The next time on the timer's beat that is still to come: ticks that were missed are not made up for.
+double FakeMainLoop::nextTick(const Entry& entry) const
+{
+    const double next = entry.dueAt + entry.interval;
+    const double late = m_clock.continuousSeconds() - next;
+    return entry.interval > 0 && late >= 0 ? next + entry.interval * (std::floor(late / entry.interval) + 1) : next;
+}
+
 bool FakeMainLoop::runNextTimer(double until)
 {
-    const auto next = std::ranges::min_element(
-        m_timers, {}, [](const std::shared_ptr<Entry>& entry) { return entry->dueAt; });
+    const auto next
+        = std::ranges::min_element(m_timers, {}, [](const std::shared_ptr<Entry>& entry) { return entry->dueAt; });
     if (next == m_timers.end() || (*next)->dueAt > until)
         return false;
     const auto entry = *next;
     m_clock.setContinuousSeconds(std::max(entry->dueAt, m_clock.continuousSeconds()));
     if (entry->repeat == TimerRepeat::forever)
-        entry->dueAt += entry->interval;
+        entry->dueAt = nextTick(*entry);
     else
         m_timers.remove(entry);
     entry->callback();

@@ -46,6 +46,7 @@ private:
     class FakeTimer;
 
     bool runNextTimer(double until);
+    [[nodiscard]] double nextTick(const Entry& entry) const;
 
     FakeClock& m_clock;
     std::thread::id m_thread { std::this_thread::get_id() };

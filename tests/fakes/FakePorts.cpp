@@ -65,7 +65,8 @@ void FakeAlertPanel::present(const Alert& alert, std::function<void(AlertRespons
 
 void FakeAlertPanel::withdraw(const std::string& identifier)
 {
-    const auto found = std::ranges::find_if(m_open, [&](const auto& open) { return open.first.identifier == identifier; });
+    const auto found
+        = std::ranges::find_if(m_open, [&](const auto& open) { return open.first.identifier == identifier; });
     if (found == m_open.end())
         return;
     m_mainLoop.post([onEnd = std::move(found->second)] { onEnd({ AlertEnd::withdrawn, 0 }); });

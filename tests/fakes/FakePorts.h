@@ -118,8 +118,8 @@ public:
     {
     }
 
-    void add(const Notification& notification,
-        std::function<void(std::expected<void, NotificationError>)> onEnd) override;
+    void add(
+        const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd) override;
     void removeDelivered(const std::vector<std::string>& identifiers) override;
 
     std::vector<Notification> added;

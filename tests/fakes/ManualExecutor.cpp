@@ -4,7 +4,7 @@ namespace brevanta {
 
 namespace {
 
-    thread_local bool runningNow = false;
+thread_local bool runningNow = false;
 
 }
 

@@ -8,40 +8,40 @@ namespace brevanta {
 
 namespace {
 
-    struct Settings {
-        std::optional<double> low { 10 };
-        std::optional<double> high { 50 };
-        std::optional<bool> notifyLow { true };
-        std::optional<bool> notifyNone;
-        std::optional<bool> notifyHigh { true };
-    };
+struct Settings {
+    std::optional<double> low { 10 };
+    std::optional<double> high { 50 };
+    std::optional<bool> notifyLow { true };
+    std::optional<bool> notifyNone;
+    std::optional<bool> notifyHigh { true };
+};
 
-    BlockingStatus balance(double energy, const Settings& settings)
-    {
-        BlockingStatus status;
-        status.energy = energy;
-        status.lowLpThreshold = settings.low;
-        status.highLpThreshold = settings.high;
-        status.notifyMacosLowLp = settings.notifyLow;
-        status.notifyMacosNoLp = settings.notifyNone;
-        status.notifyMacosHighLp = settings.notifyHigh;
-        return status;
+BlockingStatus balance(double energy, const Settings& settings)
+{
+    BlockingStatus status;
+    status.energy = energy;
+    status.lowLpThreshold = settings.low;
+    status.highLpThreshold = settings.high;
+    status.notifyMacosLowLp = settings.notifyLow;
+    status.notifyMacosNoLp = settings.notifyNone;
+    status.notifyMacosHighLp = settings.notifyHigh;
+    return status;
+}
+
+// The identifiers of the notices that the last of these balances raises.
+std::vector<std::string> raisedByLast(const std::vector<double>& balances, const Settings& settings = {})
+{
+    CoinNotices notices;
+    std::vector<std::string> identifiers;
+    for (const double energy : balances) {
+        identifiers.clear();
+        for (const auto& notice : notices.update(balance(energy, settings)))
+            identifiers.push_back(notice.identifier);
     }
+    return identifiers;
+}
 
-    // The identifiers of the notices that the last of these balances raises.
-    std::vector<std::string> raisedByLast(const std::vector<double>& balances, const Settings& settings = {})
-    {
-        CoinNotices notices;
-        std::vector<std::string> identifiers;
-        for (const double energy : balances) {
-            identifiers.clear();
-            for (const auto& notice : notices.update(balance(energy, settings)))
-                identifiers.push_back(notice.identifier);
-        }
-        return identifiers;
-    }
-
-    using Identifiers = std::vector<std::string>;
+using Identifiers = std::vector<std::string>;
 
 }
 

@@ -16,84 +16,84 @@ namespace brevanta {
 
 namespace {
 
-    constexpr int blockingTag = 100;
+constexpr int blockingTag = 100;
 
-    class RecordingConsumer final : public StatusConsumer {
-    public:
-        void consume(const std::shared_ptr<const BlockingStatus>& status) override { seen.push_back(status); }
+class RecordingConsumer final : public StatusConsumer {
+public:
+    void consume(const std::shared_ptr<const BlockingStatus>& status) override { seen.push_back(status); }
 
-        std::vector<std::shared_ptr<const BlockingStatus>> seen;
-    };
+    std::vector<std::shared_ptr<const BlockingStatus>> seen;
+};
 
-    enum class Page { present, absent };
+enum class Page { present, absent };
 
-    class MenuBarControllerTest : public testing::Test {
-    protected:
-        void start(Page page = Page::present)
-        {
-            controller = std::make_unique<MenuBarController>(MenuBarController::Dependencies {
-                .mainLoop = mainLoop,
-                .clock = clock,
-                .log = log,
-                .statusItem = statusItem,
-                .notifications = notifications,
-                .daemonClient = client,
-                .health = health,
-                .webShell = page == Page::present ? &webShell : nullptr,
-                .consumers = { &firstConsumer, &secondConsumer },
-                .version = "1.2.3",
-                .openWindow = [this] { ++windowOpened; },
-                .quit = [this] { ++quits; },
-            });
-            controller->start();
-            settle();
-        }
+class MenuBarControllerTest : public testing::Test {
+protected:
+    void start(Page page = Page::present)
+    {
+        controller = std::make_unique<MenuBarController>(MenuBarController::Dependencies {
+            .mainLoop = mainLoop,
+            .clock = clock,
+            .log = log,
+            .statusItem = statusItem,
+            .notifications = notifications,
+            .daemonClient = client,
+            .health = health,
+            .webShell = page == Page::present ? &webShell : nullptr,
+            .consumers = { &firstConsumer, &secondConsumer },
+            .version = "1.2.3",
+            .openWindow = [this] { ++windowOpened; },
+            .quit = [this] { ++quits; },
+        });
+        controller->start();
+        settle();
+    }
 
-        void settle()
-        {
-            queue.runAll();
-            mainLoop.runPosted();
-        }
+    void settle()
+    {
+        queue.runAll();
+        mainLoop.runPosted();
+    }
 
-        // One tick of the poll, answered at once.
-        void tick()
-        {
-            mainLoop.advance(PollLoop::interval);
-            settle();
-        }
+    // One tick of the poll, answered at once.
+    void tick()
+    {
+        mainLoop.advance(PollLoop::interval);
+        settle();
+    }
 
-        void answer(const Json& additions) { reply = statusReply(additions).dump(); }
-        void answer(DaemonError::Kind kind) { reply = std::unexpected(DaemonError { kind, {} }); }
+    void answer(const Json& additions) { reply = statusReply(additions).dump(); }
+    void answer(DaemonError::Kind kind) { reply = std::unexpected(DaemonError { kind, {} }); }
 
-        std::vector<std::string> notices() const
-        {
-            std::vector<std::string> identifiers;
-            for (const auto& notification : notifications.added)
-                identifiers.push_back(notification.identifier);
-            return identifiers;
-        }
+    std::vector<std::string> notices() const
+    {
+        std::vector<std::string> identifiers;
+        for (const auto& notification : notifications.added)
+            identifiers.push_back(notification.identifier);
+        return identifiers;
+    }
 
-        FakeClock clock;
-        FakeMainLoop mainLoop { clock };
-        ManualExecutor queue;
-        FakeSystemLog log;
-        FakeStatusItem statusItem;
-        FakeNotificationCenter notifications { mainLoop };
-        FakeWebShell webShell;
-        UnobservedHealth health;
-        RecordingConsumer firstConsumer;
-        RecordingConsumer secondConsumer;
-        int windowOpened { 0 };
-        int quits { 0 };
-        int requests { 0 };
-        FakeDaemonTransport::Answer reply { statusReply().dump() };
-        DaemonClient client { std::make_unique<FakeDaemonTransport>([this](const Json&) {
-            ++requests;
-            return reply;
-        }),
-            queue, mainLoop };
-        std::unique_ptr<MenuBarController> controller;
-    };
+    FakeClock clock;
+    FakeMainLoop mainLoop { clock };
+    ManualExecutor queue;
+    FakeSystemLog log;
+    FakeStatusItem statusItem;
+    FakeNotificationCenter notifications { mainLoop };
+    FakeWebShell webShell;
+    UnobservedHealth health;
+    RecordingConsumer firstConsumer;
+    RecordingConsumer secondConsumer;
+    int windowOpened { 0 };
+    int quits { 0 };
+    int requests { 0 };
+    FakeDaemonTransport::Answer reply { statusReply().dump() };
+    DaemonClient client { std::make_unique<FakeDaemonTransport>([this](const Json&) {
+                             ++requests;
+                             return reply;
+                         }),
+        queue, mainLoop };
+    std::unique_ptr<MenuBarController> controller;
+};
 
 }
 
@@ -115,7 +115,8 @@ TEST_F(MenuBarControllerTest, ShowsUnknownBeforeTheFirstReplyAndPollsAtOnceAndTh
 
 TEST_F(MenuBarControllerTest, TheMenuFollowsTheService)
 {
-    answer({ { "should_block", true }, { "energy", 5 }, { "active_task_title", "Write" }, { "block_reason", "Focus" } });
+    answer(
+        { { "should_block", true }, { "energy", 5 }, { "active_task_title", "Write" }, { "block_reason", "Focus" } });
     start();
     EXPECT_EQ(statusItem.content.image, StatusImage::block);
     EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking: Active (5.00 Coins)");
@@ -147,8 +148,8 @@ TEST_F(MenuBarControllerTest, AFailedPollShowsUnknownAndTheLoopGoesOn)
     tick();
     EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking: Active (9.00 Coins)");
     EXPECT_EQ(log.lines,
-        (std::vector<std::string> { "[MenuBar] status poll failed: connectionFailed",
-            "[MenuBar] the blocking service answers again" }));
+        (std::vector<std::string> {
+            "[MenuBar] status poll failed: connectionFailed", "[MenuBar] the blocking service answers again" }));
 }
 
 TEST_F(MenuBarControllerTest, NothingOfAReplyThatDoesNotDecodeIsApplied)
@@ -240,7 +241,8 @@ TEST_F(MenuBarControllerTest, ABusyShellIsReportedAsDeferred)
     for (int index = 0; index < 5; ++index)
         tick();
     EXPECT_EQ(webShell.recoveries, 2);
-    EXPECT_EQ(log.standardError.back(), "auth_token_invalid persisted 6 polls → reload deferred: shell load in progress");
+    EXPECT_EQ(
+        log.standardError.back(), "auth_token_invalid persisted 6 polls → reload deferred: shell load in progress");
 }
 
 TEST_F(MenuBarControllerTest, AMissingCredentialIsAskedForLessAndLessOften)

@@ -6,45 +6,45 @@ namespace brevanta {
 
 namespace {
 
-    StatusMenuState initial()
-    {
-        StatusMenuState state;
-        state.version = "0.121.0";
-        state.service = { "Blocking Service: Checking…", ComponentAction::none };
-        state.filter = { "Content Filter: Checking…", ComponentAction::none };
-        return state;
-    }
+StatusMenuState initial()
+{
+    StatusMenuState state;
+    state.version = "0.121.0";
+    state.service = { "Blocking Service: Checking…", ComponentAction::none };
+    state.filter = { "Content Filter: Checking…", ComponentAction::none };
+    return state;
+}
 
-    StatusMenuState answering()
-    {
-        auto state = initial();
-        state.contact = ServiceContact::answering;
-        state.blocking = true;
-        state.energy = 41.999;
-        return state;
-    }
+StatusMenuState answering()
+{
+    auto state = initial();
+    state.contact = ServiceContact::answering;
+    state.blocking = true;
+    state.energy = 41.999;
+    return state;
+}
 
-    const MenuItem& itemOf(const StatusItemContent& content, MenuCommand command)
-    {
-        for (const auto& item : content.menu.items) {
-            if (item.id == static_cast<MenuItemId>(command))
-                return item;
-        }
-        throw std::out_of_range("no such item");
+const MenuItem& itemOf(const StatusItemContent& content, MenuCommand command)
+{
+    for (const auto& item : content.menu.items) {
+        if (item.id == static_cast<MenuItemId>(command))
+            return item;
     }
+    throw std::out_of_range("no such item");
+}
 
-    std::string shown(const Menu& menu)
-    {
-        std::string text;
-        for (const auto& item : menu.items) {
-            if (item.kind == MenuItemKind::separator)
-                text += "---\n";
-            else if (item.visible)
-                text += item.title + (item.keyEquivalent.empty() ? "" : " [" + item.keyEquivalent + "]")
-                    + (item.enabled ? "" : " (disabled)") + "\n";
-        }
-        return text;
+std::string shown(const Menu& menu)
+{
+    std::string text;
+    for (const auto& item : menu.items) {
+        if (item.kind == MenuItemKind::separator)
+            text += "---\n";
+        else if (item.visible)
+            text += item.title + (item.keyEquivalent.empty() ? "" : " [" + item.keyEquivalent + "]")
+                + (item.enabled ? "" : " (disabled)") + "\n";
     }
+    return text;
+}
 
 }
 

@@ -6,42 +6,42 @@ namespace brevanta {
 
 namespace {
 
-    using Commands = std::vector<TokenWatchdog::Command>;
+using Commands = std::vector<TokenWatchdog::Command>;
 
-    const TokenWatchdog::SignalPage signalPage { "auth_token_invalid: signalled SPA to re-forward daemon token" };
+const TokenWatchdog::SignalPage signalPage { "auth_token_invalid: signalled SPA to re-forward daemon token" };
 
-    // Runs polls two seconds apart against a shell that always or never starts a reload; notes when what was done.
-    struct Polling {
-        TokenWatchdog watchdog;
-        double now { 0 };
-        std::vector<double> reloads;
-        std::vector<std::string> lines;
-        int signals { 0 };
+// Runs polls two seconds apart against a shell that always or never starts a reload; notes when what was done.
+struct Polling {
+    TokenWatchdog watchdog;
+    double now { 0 };
+    std::vector<double> reloads;
+    std::vector<std::string> lines;
+    int signals { 0 };
 
-        void poll(bool invalid, bool shellStarts = true)
-        {
-            for (const auto& command : watchdog.reduce(TokenWatchdog::Polled { invalid, now })) {
-                if (std::holds_alternative<TokenWatchdog::SignalPage>(command))
-                    ++signals;
-                if (!std::holds_alternative<TokenWatchdog::RecoverShell>(command))
-                    continue;
-                if (shellStarts)
-                    reloads.push_back(now);
-                const auto answer = watchdog.reduce(shellStarts
-                        ? TokenWatchdog::Event(TokenWatchdog::RecoverStarted { now })
-                        : TokenWatchdog::Event(TokenWatchdog::RecoverDeferred {}));
-                ASSERT_EQ(answer.size(), 1u);
-                lines.push_back(std::get<TokenWatchdog::WriteStandardError>(answer[0]).line);
-            }
-            now += 2;
+    void poll(bool invalid, bool shellStarts = true)
+    {
+        for (const auto& command : watchdog.reduce(TokenWatchdog::Polled { invalid, now })) {
+            if (std::holds_alternative<TokenWatchdog::SignalPage>(command))
+                ++signals;
+            if (!std::holds_alternative<TokenWatchdog::RecoverShell>(command))
+                continue;
+            if (shellStarts)
+                reloads.push_back(now);
+            const auto answer
+                = watchdog.reduce(shellStarts ? TokenWatchdog::Event(TokenWatchdog::RecoverStarted { now })
+                                              : TokenWatchdog::Event(TokenWatchdog::RecoverDeferred {}));
+            ASSERT_EQ(answer.size(), 1u);
+            lines.push_back(std::get<TokenWatchdog::WriteStandardError>(answer[0]).line);
         }
+        now += 2;
+    }
 
-        void pollFor(double seconds, bool invalid, bool shellStarts = true)
-        {
-            for (const double end = now + seconds; now < end;)
-                poll(invalid, shellStarts);
-        }
-    };
+    void pollFor(double seconds, bool invalid, bool shellStarts = true)
+    {
+        for (const double end = now + seconds; now < end;)
+            poll(invalid, shellStarts);
+    }
+};
 
 }
 
@@ -106,47 +106,47 @@ TEST(TokenWatchdog, AWallClockSetBackOnlyDelaysTheNextReload)
 
 namespace {
 
-    // What a sequence of polls has led to, as an outsider counts it.
-    struct Explored {
-        TokenWatchdog watchdog;
-        double now { 0 };
-        int streak { 0 };
-        int reloads { 0 };
-        double lastReload { -1e9 };
-    };
+// What a sequence of polls has led to, as an outsider counts it.
+struct Explored {
+    TokenWatchdog watchdog;
+    double now { 0 };
+    int streak { 0 };
+    int reloads { 0 };
+    double lastReload { -1e9 };
+};
 
-    void explore(const Explored& from, int depth, std::size_t& visited)
-    {
-        struct Step {
-            bool invalid;
-            double gap;
-        };
-        if (!depth)
-            return;
-        for (const auto& [invalid, gap] : { Step { false, 2 }, Step { true, 2 }, Step { true, 31 } }) {
-            Explored to = from;
-            ++visited;
-            to.now += gap;
-            const auto commands = to.watchdog.reduce(TokenWatchdog::Polled { invalid, to.now });
-            to.streak = invalid ? from.streak + 1 : 0;
-            if (!invalid) {
-                to.reloads = 0;
-                to.lastReload = -1e9;
-                ASSERT_EQ(to.watchdog, TokenWatchdog {});
-            }
-            const bool signalled = !commands.empty() && std::holds_alternative<TokenWatchdog::SignalPage>(commands[0]);
-            ASSERT_EQ(signalled, invalid && from.streak == 0);
-            if (!commands.empty() && std::holds_alternative<TokenWatchdog::RecoverShell>(commands.back())) {
-                ASSERT_GE(to.streak, 5);
-                ASSERT_LT(to.reloads, 5);
-                ASSERT_GE(to.now - to.lastReload, 30);
-                (void)to.watchdog.reduce(TokenWatchdog::RecoverStarted { to.now });
-                ++to.reloads;
-                to.lastReload = to.now;
-            }
-            explore(to, depth - 1, visited);
+void explore(const Explored& from, int depth, std::size_t& visited)
+{
+    struct Step {
+        bool invalid;
+        double gap;
+    };
+    if (!depth)
+        return;
+    for (const auto& [invalid, gap] : { Step { false, 2 }, Step { true, 2 }, Step { true, 31 } }) {
+        Explored to = from;
+        ++visited;
+        to.now += gap;
+        const auto commands = to.watchdog.reduce(TokenWatchdog::Polled { invalid, to.now });
+        to.streak = invalid ? from.streak + 1 : 0;
+        if (!invalid) {
+            to.reloads = 0;
+            to.lastReload = -1e9;
+            ASSERT_EQ(to.watchdog, TokenWatchdog {});
         }
+        const bool signalled = !commands.empty() && std::holds_alternative<TokenWatchdog::SignalPage>(commands[0]);
+        ASSERT_EQ(signalled, invalid && from.streak == 0);
+        if (!commands.empty() && std::holds_alternative<TokenWatchdog::RecoverShell>(commands.back())) {
+            ASSERT_GE(to.streak, 5);
+            ASSERT_LT(to.reloads, 5);
+            ASSERT_GE(to.now - to.lastReload, 30);
+            (void)to.watchdog.reduce(TokenWatchdog::RecoverStarted { to.now });
+            ++to.reloads;
+            to.lastReload = to.now;
+        }
+        explore(to, depth - 1, visited);
     }
+}
 
 }
 

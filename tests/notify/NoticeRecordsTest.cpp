@@ -7,31 +7,31 @@ namespace brevanta {
 
 namespace {
 
-    template<typename Record> std::vector<Record> decodeAll(const Json& array)
-    {
-        json::Parser parser;
-        PaddedBuffer bytes;
-        bytes.assign(array.dump());
-        return decodeLossyArray<Record>(*json::asArray(*json::parse(parser, bytes)));
-    }
+template <typename Record> std::vector<Record> decodeAll(const Json& array)
+{
+    json::Parser parser;
+    PaddedBuffer bytes;
+    bytes.assign(array.dump());
+    return decodeLossyArray<Record>(*json::asArray(*json::parse(parser, bytes)));
+}
 
-    Json reminder(std::int64_t id)
-    {
-        return { { "event_id", id }, { "task_id", "t" }, { "kind", "fire" }, { "title", "Stretch" },
-            { "notification_title", "Time to stretch" }, { "body", "Two minutes" } };
-    }
+Json reminder(std::int64_t id)
+{
+    return { { "event_id", id }, { "task_id", "t" }, { "kind", "fire" }, { "title", "Stretch" },
+        { "notification_title", "Time to stretch" }, { "body", "Two minutes" } };
+}
 
-    Json with(Json record, const char* key, const Json& value)
-    {
-        record[key] = value;
-        return record;
-    }
+Json with(Json record, const char* key, const Json& value)
+{
+    record[key] = value;
+    return record;
+}
 
-    Json without(Json record, const char* key)
-    {
-        record.erase(key);
-        return record;
-    }
+Json without(Json record, const char* key)
+{
+    record.erase(key);
+    return record;
+}
 
 }
 
@@ -40,17 +40,17 @@ TEST(NoticeRecords, AReminderKeepsEveryFieldAndAllBitsOfItsIdentifier)
     const auto reminders = decodeAll<PendingReminder>(Json::array({ with(reminder(INT64_MAX), "kind", "overdue") }));
     ASSERT_EQ(reminders.size(), 1u);
     EXPECT_EQ(reminders[0],
-        (PendingReminder { INT64_MAX, "t", PendingReminder::Kind::overdue, "Stretch", "Time to stretch",
-            "Two minutes" }));
+        (PendingReminder {
+            INT64_MAX, "t", PendingReminder::Kind::overdue, "Stretch", "Time to stretch", "Two minutes" }));
 }
 
 TEST(NoticeRecords, ABadElementNeverCostsItsNeighbours)
 {
     const Json whole = reminder(2);
-    for (const auto& bad : { with(whole, "kind", "later"), with(whole, "body", ""), with(whole, "notification_title", ""),
-             with(whole, "event_id", "2"), with(whole, "event_id", 2.5), with(whole, "event_id", true),
-             without(whole, "task_id"), with(whole, "title", nullptr), Json(7), Json("text"), Json(nullptr),
-             Json::array({ whole }), Json::object() }) {
+    for (const auto& bad : { with(whole, "kind", "later"), with(whole, "body", ""),
+             with(whole, "notification_title", ""), with(whole, "event_id", "2"), with(whole, "event_id", 2.5),
+             with(whole, "event_id", true), without(whole, "task_id"), with(whole, "title", nullptr), Json(7),
+             Json("text"), Json(nullptr), Json::array({ whole }), Json::object() }) {
         const auto reminders = decodeAll<PendingReminder>(Json::array({ reminder(1), bad, reminder(3) }));
         ASSERT_EQ(reminders.size(), 2u) << bad;
         EXPECT_EQ(reminders[0].eventId, 1);

@@ -7,8 +7,7 @@ namespace brevanta::service {
 TEST(RequestLog, TokensAreShownInFullOnlyWhenAskedFor)
 {
     const std::string request = R"({"type":"set_auth_token","token":"secret-value"})";
-    EXPECT_EQ(
-        describeRequest(request, LogDetail::redacted), R"(request {"token":"12 bytes","type":"set_auth_token"})");
+    EXPECT_EQ(describeRequest(request, LogDetail::redacted), R"(request {"token":"12 bytes","type":"set_auth_token"})");
     EXPECT_EQ(describeRequest(request, LogDetail::full), R"(request {"token":"secret-value","type":"set_auth_token"})");
 }
 
