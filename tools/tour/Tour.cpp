@@ -8,6 +8,7 @@ using functional::BrevantaClient;
 using functional::Milliseconds;
 
 static constexpr Milliseconds patience { 10000 };
+static constexpr Milliseconds startUpPatience { 30000 };
 static constexpr int windowLeft = 40;
 static constexpr int windowTop = DesktopPanel::height + 12;
 
@@ -125,6 +126,13 @@ void Tour::loseService()
         patience);
     m_report.sees(isUnreachable, "the menu says that the service cannot be reached");
     showMenu("5-service-away");
+    m_report.tell("The client gives a service some time to start; then it says that it cannot be reached.");
+    const auto graceIsOver = m_bench.menu().awaitEntries(
+        [](const functional::MenuEntries& entries) {
+            return functional::findEntry(entries, "Blocking service unreachable") != nullptr;
+        },
+        startUpPatience);
+    m_report.sees(graceIsOver, "the menu says \"Blocking service unreachable\"");
 }
 
 void Tour::regainService()

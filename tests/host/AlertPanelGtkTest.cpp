@@ -1,0 +1,129 @@
+#include "gtk/AlertPanelGtk.h"
+
+#include "gtk/MainLoopGtk.h"
+#include "support/VirtualDisplay.h"
+
+#include <gtest/gtest.h>
+#include <gtkmm.h>
+#include <optional>
+
+namespace brevanta {
+
+namespace {
+
+using functional::VirtualDisplay;
+
+// GTK takes one display for the life of the process.
+class DisplayEnvironment final : public testing::Environment {
+public:
+    void SetUp() override
+    {
+        auto started = VirtualDisplay::start();
+        ASSERT_TRUE(started) << started.error();
+        m_display = std::move(*started);
+        g_setenv("DISPLAY", m_display->name().c_str(), TRUE);
+        g_setenv("NO_AT_BRIDGE", "1", TRUE);
+        g_unsetenv("WAYLAND_DISPLAY");
+        ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
+        Gtk::Main::init_gtkmm_internals();
+    }
+
+private:
+    std::unique_ptr<VirtualDisplay> m_display;
+};
+
+const auto* const displayEnvironment = testing::AddGlobalTestEnvironment(new DisplayEnvironment);
+
+class AlertPanelGtkTest : public testing::Test {
+protected:
+    bool serveUntil(const std::function<bool()>& condition)
+    {
+        bool timeIsUp = false;
+        const auto guard = loop.startTimer(20, TimerRepeat::once, [&] { timeIsUp = true; });
+        while (!condition() && !timeIsUp)
+            g_main_context_iteration(nullptr, TRUE);
+        return condition();
+    }
+
+    // The dialogs that can be seen, from the oldest on.
+    std::vector<Gtk::MessageDialog*> dialogs()
+    {
+        std::vector<Gtk::MessageDialog*> shown;
+        for (auto* const toplevel : Gtk::Window::list_toplevels()) {
+            if (auto* const dialog = dynamic_cast<Gtk::MessageDialog*>(toplevel); dialog && dialog->get_visible())
+                shown.push_back(dialog);
+        }
+        return shown;
+    }
+
+    std::optional<AlertResponse> endOf(const std::function<void()>& act)
+    {
+        std::optional<AlertResponse> ended;
+        alerts.present(alert, [&](AlertResponse response) { ended = response; });
+        EXPECT_TRUE(serveUntil([&] { return dialogs().size() == 1; }));
+        act();
+        EXPECT_FALSE(ended); // Never from inside the call.
+        EXPECT_TRUE(serveUntil([&] { return ended.has_value(); }));
+        EXPECT_TRUE(dialogs().empty());
+        return ended;
+    }
+
+    MainLoopGtk loop;
+    Gtk::Window window;
+    AlertPanelGtk alerts { window, loop };
+    Alert alert { .identifier = "one",
+        .style = AlertStyle::warning,
+        .message = "A <b>message</b> with a_b",
+        .informativeText = "More & more",
+        .buttons = { "First", "Second" } };
+};
+
+}
+
+TEST_F(AlertPanelGtkTest, TimersAndPostedWorkGoOnWhileAnAlertIsOpen)
+{
+    int ticks = 0;
+    bool posted = false;
+    const auto timer = loop.startTimer(0.01, TimerRepeat::forever, [&] { ++ticks; });
+    const auto ended = endOf([&] {
+        loop.post([&] { posted = true; });
+        const int before = ticks;
+        EXPECT_TRUE(serveUntil([&] { return ticks >= before + 5 && posted; }));
+        EXPECT_EQ(dialogs().size(), 1u);
+        alerts.withdraw("one");
+    });
+    EXPECT_EQ(ended, (AlertResponse { AlertEnd::withdrawn, 0 }));
+}
+
+TEST_F(AlertPanelGtkTest, AButtonIsReportedByItsPlaceAndClosingCountsAsTheLastOne)
+{
+    EXPECT_EQ(endOf([&] { dialogs()[0]->response(0); }), (AlertResponse { AlertEnd::button, 0 }));
+    EXPECT_EQ(endOf([&] { dialogs()[0]->response(1); }), (AlertResponse { AlertEnd::button, 1 }));
+    EXPECT_EQ(endOf([&] { dialogs()[0]->close(); }), (AlertResponse { AlertEnd::button, 1 }));
+}
+
+TEST_F(AlertPanelGtkTest, ASecondAlertOfANameIsNotShown)
+{
+    std::optional<AlertResponse> second;
+    (void)endOf([&] {
+        alerts.present(alert, [&](AlertResponse response) { second = response; });
+        EXPECT_TRUE(serveUntil([&] { return second.has_value(); }));
+        EXPECT_EQ(dialogs().size(), 1u);
+        alerts.withdraw("another");
+        EXPECT_EQ(dialogs().size(), 1u);
+        dialogs()[0]->response(0);
+    });
+    EXPECT_EQ(second, (AlertResponse { AlertEnd::withdrawn, 0 }));
+}
+
+TEST_F(AlertPanelGtkTest, TextsStandAsTheyAre)
+{
+    (void)endOf([&] {
+        EXPECT_EQ(dialogs()[0]->property_text().get_value(), "A <b>message</b> with a_b");
+        EXPECT_FALSE(dialogs()[0]->property_use_markup().get_value());
+        EXPECT_EQ(dialogs()[0]->property_secondary_text().get_value(), "More & more");
+        dialogs()[0]->response(0);
+    });
+}
+
+}
