@@ -11,7 +11,7 @@ namespace {
 // More than any desktop shows; what is forgotten can no longer be replaced or taken away.
 constexpr std::size_t mostSlots = 200;
 
-// The three characters that the specification's markup reads as its own.
+// The three characters that notification markup reads as its own.
 std::string escaped(const std::string& body)
 {
     std::string markup;

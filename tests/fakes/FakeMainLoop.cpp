@@ -89,7 +89,7 @@ bool FakeMainLoop::runNextTimer(double until)
         = std::ranges::min_element(m_timers, {}, [](const std::shared_ptr<Entry>& entry) { return entry->dueAt; });
     if (next == m_timers.end() || (*next)->dueAt > until)
         return false;
-    const auto entry = *next;
+    std::shared_ptr<Entry> entry = *next; // Kept, since the callback may destroy its own timer.
     m_clock.setContinuousSeconds(std::max(entry->dueAt, m_clock.continuousSeconds()));
     if (entry->repeat == TimerRepeat::forever)
         entry->dueAt = nextTick(*entry);
