@@ -190,16 +190,45 @@ TEST_F(DaemonSocketTest, AMutatingRequestAnsweredWithOkAndErrorIsRejected)
     EXPECT_EQ(answer->error(), DaemonFailure(DaemonError { DaemonError::Kind::rejected, "x" }));
 }
 
-TEST_F(DaemonSocketTest, SilenceEndsAfterFiveSecondsWithWhatHadArrived)
+TEST_F(DaemonSocketTest, ADelayShorterThanFiveSecondsOnlyDelays)
 {
-    const auto begin = std::chrono::steady_clock::now();
     const auto status = statusFrom([&](const Peer& peer) {
         (void)peer.readRequest();
-        peer.write(statusReply().dump()); // Whole, but without the line feed that would end it.
-        peer.waitForClose();
+        std::this_thread::sleep_for(std::chrono::milliseconds(300)); // The service is slow; the test waits for nothing.
+        peer.write(statusReply().dump() + "\n");
     });
-    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
     EXPECT_TRUE(status);
+}
+
+TEST_F(DaemonSocketTest, SilenceEndsAfterFiveSecondsWithWhatHadArrived)
+{
+    const std::string whole = statusReply().dump();
+    struct Case {
+        std::string arrived; // Without the line feed that would end the reply.
+        bool decodes;
+    };
+    const Case cases[] = { { "", false }, { whole.substr(0, whole.size() / 2), false }, { whole, true } };
+
+    // All at once, since each takes its five seconds.
+    const auto begin = std::chrono::steady_clock::now();
+    std::vector<std::future<void>> runs;
+    for (const auto& [arrived, decodes] : cases) {
+        runs.push_back(std::async(std::launch::async, [this, &arrived, decodes] {
+            const ScriptedServer server([&](const Peer& peer) {
+                (void)peer.readRequest();
+                peer.write(arrived);
+                peer.waitForClose();
+            });
+            SocketTransport transport(server.path(), sockets);
+            PaddedBuffer reply;
+            EXPECT_TRUE(transport.exchange({ { "type", "get_status" } }, reply));
+            EXPECT_EQ(reply.view(), arrived);
+            EXPECT_EQ(decodeStatus(reply.view()).has_value(), decodes);
+        }));
+    }
+    for (auto& run : runs)
+        run.get();
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
     EXPECT_GE(took.count(), 4.9);
     EXPECT_LT(took.count(), 8);
 }
