@@ -1,11 +1,11 @@
 #include "app/AppDelegate.h"
 
 #include "daemon/DaemonClient.h"
+#include "fakes/FakeLocalSockets.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
 #include "fakes/ManualExecutor.h"
 #include "menubar/MenuBarController.h"
-#include "platform/LocalSocket.h"
 
 #include <gtest/gtest.h>
 
@@ -13,22 +13,10 @@ namespace brevanta {
 
 namespace {
 
-// Nobody listens anywhere.
-class DeafSockets final : public LocalSocketConnector {
-public:
-    [[nodiscard]] std::unique_ptr<LocalConnection> connect(const std::string& path, int) override
-    {
-        paths.push_back(path);
-        return nullptr;
-    }
-    void interrupt() override { ++interrupts; }
-
-    std::vector<std::string> paths;
-    int interrupts { 0 };
-};
-
 class AppDelegateTest : public testing::Test {
 protected:
+    AppDelegateTest() { sockets.peer = FakeLocalSockets::Peer::absent; }
+
     void launch()
     {
         delegate.applicationWillFinishLaunching();
@@ -40,7 +28,7 @@ protected:
     FakeClock clock;
     FakeMainLoop mainLoop { clock };
     ManualExecutor queue;
-    DeafSockets sockets;
+    FakeLocalSockets sockets;
     FakeSystemLog log;
     FakeUserDefaults defaults;
     FakeApplicationLifecycle lifecycle;
