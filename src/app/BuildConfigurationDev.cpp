@@ -1,5 +1,6 @@
 #include "app/BuildConfiguration.h"
 #include "app/ProductionValues.h"
+#include "base/Text.h"
 
 #include <algorithm>
 #include <ranges>
@@ -28,10 +29,10 @@ std::vector<std::string> hosts(const std::string& list)
         std::string name;
         for (const char c : part) {
             if (c != ' ')
-                name.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
+                name.push_back(c);
         }
         if (!name.empty())
-            names.push_back(std::move(name));
+            names.push_back(lowerCased(name));
     }
     return names;
 }

@@ -21,6 +21,14 @@ std::string singleLine(std::string_view text)
     return line;
 }
 
+std::string lowerCased(std::string_view text)
+{
+    std::string lower(text);
+    std::ranges::transform(
+        lower, lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return lower;
+}
+
 std::size_t codePointCount(std::string_view utf8)
 {
     return static_cast<std::size_t>(

@@ -12,6 +12,9 @@ namespace brevanta {
 // The text on one line: line feeds, carriage returns, tabs and other control characters become spaces.
 [[nodiscard]] std::string singleLine(std::string_view text);
 
+// The text with its ASCII capitals in lower case, whatever the process's locale; other letters stay as they are.
+[[nodiscard]] std::string lowerCased(std::string_view text);
+
 // How many Unicode code points the UTF-8 text has; each byte that starts none counts as nothing.
 [[nodiscard]] std::size_t codePointCount(std::string_view utf8);
 
