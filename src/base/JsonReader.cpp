@@ -36,6 +36,9 @@ std::expected<Element, JsonParseError> parse(Parser& parser, const PaddedBuffer&
     const auto content = bytes.view();
     if (content.empty())
         return std::unexpected(JsonParseError { "no JSON found" });
+    // A little room to grow: a document that gains an entry now and then would take all of its memory anew each time.
+    if (parser.capacity() < content.size() && parser.allocate(content.size() + content.size() / 4) != simdjson::SUCCESS)
+        return std::unexpected(JsonParseError { "no memory for the document" });
     Element element;
     const auto error = parser.parse(content.data(), content.size(), false).get(element);
     if (error != simdjson::SUCCESS)

@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::size_t listCount = 7;
 
-// More documents than this are only alive together when somebody holds on to old statuses.
-constexpr std::size_t keptDocuments = 3;
+// One is in use and one spare; more are only alive together while somebody holds on to an old status.
+constexpr std::size_t keptDocuments = 1;
 
 }
 
@@ -97,7 +97,8 @@ public:
         if (!array)
             return {};
         // The one loop that grows with the reply: it asks the parser directly, so that all of it is inlined.
-        entries.reserve(array->size());
+        if (entries.capacity() < array->size())
+            entries.reserve(array->size() + array->size() / 8);
         for (const auto element : *array) {
             std::string_view entry;
             if (element.get(entry) != simdjson::SUCCESS) {
