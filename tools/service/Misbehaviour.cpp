@@ -88,7 +88,7 @@ std::expected<Misbehaviour, ServiceError> Misbehaviour::parse(const std::vector<
         const auto count = parseCount(*times, largestAmount);
         if (!count || !*count || result.mode == Mode::refuse)
             return fail("'times " + *times + "' does not fit '" + words.front() + "'");
-        result.remainingTimes = *count;
+        result.remainingTimes = count;
     }
     return result;
 }
