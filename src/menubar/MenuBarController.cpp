@@ -6,17 +6,12 @@
 #include "platform/Clock.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
+#include "web/PageScripts.h"
 #include "web/WebShell.h"
 
 #include <nlohmann/json.hpp>
 
 namespace brevanta {
-
-namespace {
-
-constexpr auto tokenRefreshScript = "window.dispatchEvent(new CustomEvent('kestrelune_token_refresh'));";
-
-}
 
 MenuBarController::MenuBarController(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
@@ -118,7 +113,7 @@ void MenuBarController::requestCredentialIfMissing(const BlockingStatus& status)
 void MenuBarController::signalPage(const std::string& line)
 {
     auto* shell = m_dependencies.webShell;
-    if (shell && shell->evaluate(tokenRefreshScript) == ScriptDelivery::handedOver)
+    if (shell && shell->evaluate(std::string(PageScripts::tokenRefresh)) == ScriptDelivery::handedOver)
         m_dependencies.log.writeStandardError(line);
 }
 

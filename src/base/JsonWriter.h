@@ -1,0 +1,17 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace brevanta::json {
+
+// Each appends one JSON value (RFC 8259) that is also a safe JavaScript expression: U+2028 and U+2029, which older
+// JavaScript takes for line ends, are escaped too. The text must be UTF-8; other bytes pass as they are.
+void appendString(std::string& out, std::string_view text);
+void appendStringArray(std::string& out, std::span<const std::string_view> texts);
+
+// The shortest digits that read back as the same number. Infinity and not-a-number, which JSON lacks, become null.
+void appendNumber(std::string& out, double number);
+
+}

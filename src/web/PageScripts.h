@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace brevanta {
+
+struct BlockingStatus;
+
+// The scripts by which events reach the page: each is one expression that fires an event on `window`. Texts in them are
+// written so that nothing in a domain or a title can end the text or the script.
+namespace PageScripts {
+
+// Asks the page to forward the user's token.
+inline constexpr std::string_view tokenRefresh = "window.dispatchEvent(new CustomEvent('kestrelune_token_refresh'));";
+inline constexpr std::string_view requestOnboardingState
+    = "window.dispatchEvent(new CustomEvent('kestrelune_request_onboarding_state'));";
+inline constexpr std::string_view navigationPending
+    = "window.dispatchEvent(new CustomEvent('kestrelune_navigation_pending'));";
+
+[[nodiscard]] std::string blockingStatus(const BlockingStatus& status);
+
+// An application that the user picked; `icon` is a data URL.
+[[nodiscard]] std::string appPicked(std::string_view bundleId, std::string_view name, std::string_view icon);
+
+}
+
+}
