@@ -8,13 +8,19 @@ namespace brevanta::functional {
 
 static constexpr Milliseconds patience { 10000 };
 
-// A client without a display and a service, and without a bus unless one is given.
+struct Surroundings {
+    std::string busAddress;
+    std::string display;
+};
+
+// A client without a service, and without a bus and a display unless they are given.
 static std::unique_ptr<BrevantaClient> startAlone(
-    const std::vector<std::string>& arguments, const std::string& busAddress = {})
+    const std::vector<std::string>& arguments, const Surroundings& surroundings = {})
 {
     auto client = std::make_unique<BrevantaClient>(BrevantaClientOptions {
         .executable = clientExecutable(),
-        .busAddress = busAddress,
+        .busAddress = surroundings.busAddress,
+        .display = surroundings.display,
         .socketPath = "/nonexistent/service.sock",
         .arguments = arguments,
     });
@@ -54,7 +60,15 @@ TEST(CommandLineTest, withoutADisplayTheClientSaysSoInOneLine)
 {
     const auto bus = PrivateBus::start();
     ASSERT_TRUE(bus) << bus.error();
-    const auto client = startAlone({}, (*bus)->address());
+    const auto client = startAlone({}, { .busAddress = (*bus)->address() });
+    ASSERT_TRUE(client);
+    EXPECT_EQ(client->process().awaitExit(patience), 1);
+    expectOneLineAbout("display", client->log());
+}
+
+TEST(CommandLineTest, withNeitherDisplayNorBusTheDisplayIsNamed)
+{
+    const auto client = startAlone({});
     ASSERT_TRUE(client);
     EXPECT_EQ(client->process().awaitExit(patience), 1);
     expectOneLineAbout("display", client->log());
@@ -62,7 +76,9 @@ TEST(CommandLineTest, withoutADisplayTheClientSaysSoInOneLine)
 
 TEST(CommandLineTest, withoutABusTheClientSaysSoInOneLine)
 {
-    const auto client = startAlone({});
+    const auto display = VirtualDisplay::start();
+    ASSERT_TRUE(display) << display.error();
+    const auto client = startAlone({}, { .display = (*display)->name() });
     ASSERT_TRUE(client);
     EXPECT_EQ(client->process().awaitExit(patience), 1);
     expectOneLineAbout("bus", client->log());
