@@ -1,8 +1,11 @@
 #include "gtk/ApplicationLifecycleGtk.h"
 
+#include "gtk/DesktopSession.h"
+#include "gtk/UrlGtk.h"
+#include "posix/ProgramArguments.h"
+
 #include <csignal>
 #include <glib-unix.h>
-#include <utility>
 
 namespace brevanta {
 
@@ -28,19 +31,22 @@ ApplicationLifecycleGtk::ApplicationLifecycleGtk(Glib::RefPtr<Gtk::Application> 
     : m_application(std::move(application))
 {
     m_application->signal_activate().connect([this] { activated(); });
+    m_application->signal_open().connect([this](const auto& files, const auto&) { opened(files); });
     m_application->signal_window_added().connect([this](Gtk::Window* window) { applyPolicy(*window); });
 }
 
 ApplicationLifecycleGtk::~ApplicationLifecycleGtk() = default;
 
-int ApplicationLifecycleGtk::run(ApplicationObserver& observer)
+int ApplicationLifecycleGtk::run(ApplicationObserver& observer, const std::vector<std::string>& links)
 {
     m_observer = &observer;
     const UnixSignalSource terminateSignal(SIGTERM, signalCame, this);
     const UnixSignalSource interruptSignal(SIGINT, signalCame, this);
+    const ActivityWatch activity([&observer] { observer.applicationDidBecomeActive(); });
+    const WakeWatch wake([&observer] { observer.systemDidWake(); });
     m_application->hold(); // The status item keeps the application going, not its windows.
     observer.applicationWillFinishLaunching();
-    m_application->run();
+    runOrHandOver(*m_application.operator->(), links);
     m_phase = Phase::ending;
     observer.applicationWillTerminate();
     m_observer = nullptr;
@@ -81,10 +87,30 @@ void ApplicationLifecycleGtk::answerTermination(TerminationAnswer answer)
 void ApplicationLifecycleGtk::activated()
 {
     // The first activation is this start itself; the later ones are other starts.
-    if (std::exchange(m_phase, m_phase == Phase::launching ? Phase::running : m_phase) == Phase::launching)
-        m_observer->applicationDidFinishLaunching();
+    if (m_phase == Phase::launching)
+        finishLaunching();
     else if (m_phase != Phase::ending)
         m_observer->applicationShouldReopen();
+}
+
+void ApplicationLifecycleGtk::opened(const Gio::Application::type_vec_files& files)
+{
+    if (m_phase == Phase::ending)
+        return;
+    for (const auto& file : files) {
+        // A GFile of a scheme that GIO does not know keeps its URI letter by letter.
+        const std::string link = file->get_uri();
+        if (const auto url = isLink(link) ? parseUrl(link) : std::nullopt)
+            m_observer->applicationDidOpenUrl(*url);
+    }
+    if (m_phase == Phase::launching)
+        finishLaunching();
+}
+
+void ApplicationLifecycleGtk::finishLaunching()
+{
+    m_phase = Phase::running;
+    m_observer->applicationDidFinishLaunching();
 }
 
 void ApplicationLifecycleGtk::applyPolicy(Gtk::Window& window) const

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "gtk/ActivityWatch.h"
+#include "gtk/WakeWatch.h"
 #include "platform/ApplicationLifecycle.h"
 
 #include <gtkmm.h>
+#include <string>
+#include <vector>
 
 namespace brevanta {
 
@@ -16,8 +20,10 @@ public:
     ApplicationLifecycleGtk(const ApplicationLifecycleGtk&) = delete;
     ApplicationLifecycleGtk& operator=(const ApplicationLifecycleGtk&) = delete;
 
-    // Serves the main loop until the application is quit, and returns the exit status of the process. Once.
-    [[nodiscard]] int run(ApplicationObserver& observer);
+    // Serves the main loop until the application is quit, and returns the exit status of the process. Once. The
+    // observer gets the links that the process was started with before `applicationDidFinishLaunching`. What is no URL
+    // of the scheme "brevanta", here or from another process, is left out.
+    [[nodiscard]] int run(ApplicationObserver& observer, const std::vector<std::string>& links);
 
     void setActivationPolicy(ActivationPolicy policy) override;
     void activate() override;
@@ -28,6 +34,8 @@ private:
     enum class Phase { launching, running, awaitingAnswer, ending };
 
     void activated();
+    void opened(const Gio::Application::type_vec_files& files);
+    void finishLaunching();
     void applyPolicy(Gtk::Window& window) const;
     void quit();
     static gboolean signalCame(gpointer self);

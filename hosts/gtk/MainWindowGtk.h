@@ -11,11 +11,20 @@ class SystemLog;
 
 class MainWindowGtk final : public MainWindow {
 public:
-    // `resources` holds the application's icon, brevanta.svg; without it the window has no picture.
-    MainWindowGtk(Gtk::Application& application, const std::filesystem::path& resources, SystemLog& log);
+    struct Contents {
+        Gtk::Widget& page; // Fills the window.
+        Gtk::Widget& placeholder; // Lies over the page.
+    };
+
+    // `resources` holds the application's icon, brevanta.svg; without it the window has no picture. The contents live
+    // longer than this object.
+    MainWindowGtk(
+        Gtk::Application& application, const std::filesystem::path& resources, Contents contents, SystemLog& log);
+    ~MainWindowGtk() override;
     MainWindowGtk(const MainWindowGtk&) = delete;
     MainWindowGtk& operator=(const MainWindowGtk&) = delete;
 
+    void build(const MainWindowLayout& layout) override;
     void showInFront() override;
     void hide() override;
     [[nodiscard]] bool isVisible() const override;
@@ -24,12 +33,9 @@ public:
     [[nodiscard]] Gtk::Window& window() { return m_window; }
 
 private:
-    void showIcon(const std::filesystem::path& file, SystemLog& log);
-
+    Contents m_contents;
     Gtk::Window m_window;
-    Gtk::Box m_content { Gtk::ORIENTATION_VERTICAL };
-    Gtk::Image m_icon;
-    Gtk::Label m_name;
+    Gtk::Overlay m_layers;
 };
 
 }

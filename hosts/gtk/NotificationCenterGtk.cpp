@@ -42,6 +42,18 @@ void NotificationCenterGtk::add(const Notification& notification, OnEnd onEnd)
     enqueue(notification.identifier, { Delivery { notification, std::move(onEnd) } });
 }
 
+void NotificationCenterGtk::getAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+{
+    m_service.askCapabilities([onEnd = std::move(onEnd)](const auto& answer) {
+        onEnd(answer ? NotificationAuthorization::authorized : NotificationAuthorization::notDetermined);
+    });
+}
+
+void NotificationCenterGtk::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+{
+    getAuthorization(std::move(onEnd));
+}
+
 void NotificationCenterGtk::removeDelivered(const std::vector<std::string>& identifiers)
 {
     for (const auto& identifier : identifiers) {

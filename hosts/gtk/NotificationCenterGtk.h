@@ -19,6 +19,12 @@ public:
 
     // Ends with an error after five seconds of silence too. Nothing ends after this object is gone.
     void add(const Notification& notification, OnEnd onEnd) override;
+
+    // Desktops ask nobody: authorized when a notification service answers, which the bus may start for it, and
+    // notDetermined when none does within five seconds.
+    void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
+    void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
+
     void removeDelivered(const std::vector<std::string>& identifiers) override;
 
 private:

@@ -1,6 +1,7 @@
 #include "gtk/UserDefaultsGtk.h"
 
 #include "gtk/GObjectPtr.h"
+#include "gtk/UtcTimestamp.h"
 #include "platform/SystemLog.h"
 #include "posix/AtomicFile.h"
 
@@ -17,6 +18,7 @@ using Json = nlohmann::json;
 
 constexpr mode_t fileMode = 0600;
 constexpr int folderMode = 0700;
+constexpr auto dateKey = "date";
 
 std::optional<std::int64_t> integer(const Json& value)
 {
@@ -38,6 +40,15 @@ std::optional<DefaultsValue> integers(const Json& array)
     return numbers;
 }
 
+std::optional<DefaultsValue> date(const Json& object)
+{
+    const auto text = object.find(dateKey);
+    if (object.size() != 1 || text == object.end() || !text->is_string())
+        return std::nullopt;
+    const auto seconds = parseUtcTimestamp(text->get_ref<const std::string&>());
+    return seconds ? std::optional<DefaultsValue>(DefaultsDate { *seconds }) : std::nullopt;
+}
+
 std::optional<DefaultsValue> toValue(const Json& json)
 {
     if (json.is_boolean())
@@ -48,24 +59,44 @@ std::optional<DefaultsValue> toValue(const Json& json)
         return json.get<double>();
     if (json.is_array())
         return integers(json);
+    if (json.is_object())
+        return date(json);
     if (const auto number = integer(json))
         return *number;
     return std::nullopt;
 }
 
-// Nothing when JSON has no form for it.
+struct ToJson {
+    std::optional<Json> operator()(const DefaultsDate& date) const
+    {
+        const auto text = formatUtcTimestamp(date.secondsSince1970);
+        return text ? std::optional(Json { { dateKey, *text } }) : std::nullopt;
+    }
+    std::optional<Json> operator()(double number) const
+    {
+        return std::isfinite(number) ? std::optional(Json(number)) : std::nullopt;
+    }
+    std::optional<Json> operator()(const auto& other) const { return Json(other); }
+};
+
+// Nothing when the file has no form for it.
 std::optional<Json> toJson(std::string_view key, const DefaultsValue& value)
 {
-    if (const auto* number = std::get_if<double>(&value); number && !std::isfinite(*number))
-        return std::nullopt;
-    auto json = std::visit([](const auto& alternative) { return Json(alternative); }, value);
+    auto json = std::visit(ToJson {}, value);
     try {
         static_cast<void>(Json(key).dump());
-        static_cast<void>(json.dump());
+        if (json)
+            static_cast<void>(json->dump());
     } catch (const Json::exception&) {
         return std::nullopt;
     }
     return json;
+}
+
+bool isNoFile(const GError& error)
+{
+    return g_error_matches(&error, G_FILE_ERROR, G_FILE_ERROR_NOENT)
+        || g_error_matches(&error, G_FILE_ERROR, G_FILE_ERROR_NOTDIR);
 }
 
 }
@@ -75,7 +106,7 @@ UserDefaultsGtk::UserDefaultsGtk(std::filesystem::path file, SystemLog& log)
     , m_log(log)
     , m_stored(Json::object())
 {
-    load();
+    refresh();
 }
 
 UserDefaultsGtk::~UserDefaultsGtk() = default;
@@ -90,45 +121,86 @@ std::optional<DefaultsValue> UserDefaultsGtk::get(std::string_view key) const
 
 void UserDefaultsGtk::set(std::string_view key, const DefaultsValue& value)
 {
-    if (m_fileState == FileState::upToDate && get(key) == value)
-        return;
     auto json = toJson(key, value);
     if (!json) {
-        m_log.log("[UserDefaults] a value has no form in JSON: kept until the application quits");
+        if (get(key) != value)
+            m_log.log("[UserDefaults] a value has no form in the file: kept until the application quits");
         m_unstorable.insert_or_assign(std::string(key), value);
         return;
     }
     if (const auto kept = m_unstorable.find(key); kept != m_unstorable.end())
         m_unstorable.erase(kept);
-    m_stored[std::string(key)] = std::move(*json);
+    refresh();
+    // By value, since 1 and 1.0 are equal in JSON.
+    if (m_unsaved.empty() && get(key) == toValue(*json))
+        return;
+    m_unsaved[std::string(key)] = std::move(*json);
     save();
+}
+
+StoredDefault UserDefaultsGtk::persistent(std::string_view key) const
+{
+    const auto document = readFile();
+    if (!document)
+        return {};
+    const auto stored = document->find(key);
+    if (stored == document->end())
+        return {};
+    return { .isStored = true, .value = toValue(*stored) };
 }
 
 void UserDefaultsGtk::remove(std::string_view key)
 {
     if (const auto kept = m_unstorable.find(key); kept != m_unstorable.end())
         m_unstorable.erase(kept);
-    if (m_stored.erase(std::string(key)))
-        save();
+    refresh();
+    if (m_unsaved.empty() && !m_stored.contains(key))
+        return;
+    m_unsaved[std::string(key)] = std::nullopt;
+    save();
 }
 
-void UserDefaultsGtk::load()
+// The object that the file holds; an empty one when there is no file. The error says what is wrong with it.
+std::expected<Json, std::string> UserDefaultsGtk::readFile() const
 {
     char* bytes = nullptr;
     gsize size = 0;
     GError* error = nullptr;
     if (!g_file_get_contents(m_file.c_str(), &bytes, &size, &error)) {
         const GLibPtr<GError> owned(error);
-        if (!g_error_matches(error, G_FILE_ERROR, G_FILE_ERROR_NOENT))
-            moveAside("cannot be read");
-        return;
+        if (isNoFile(*error))
+            return Json::object();
+        return std::unexpected("cannot be read");
     }
     const GLibPtr<char> owned(bytes);
     auto document = Json::parse(bytes, bytes + size, nullptr, false);
-    if (document.is_object())
-        m_stored = std::move(document);
-    else
-        moveAside("holds no JSON object");
+    if (!document.is_object())
+        return std::unexpected("holds no JSON object");
+    return document;
+}
+
+void UserDefaultsGtk::refresh()
+{
+    if (m_fileUse == FileUse::keptAsItIs)
+        return;
+    if (auto document = readFile()) {
+        m_stored = std::move(*document);
+    } else {
+        moveAside(document.error());
+        for (const auto& [key, value] : m_stored.items())
+            m_unsaved.try_emplace(key, value);
+    }
+    applyUnsaved();
+}
+
+void UserDefaultsGtk::applyUnsaved()
+{
+    for (const auto& [key, value] : m_unsaved) {
+        if (value)
+            m_stored[key] = *value;
+        else
+            m_stored.erase(key);
+    }
 }
 
 void UserDefaultsGtk::moveAside(const std::string& reason)
@@ -147,15 +219,15 @@ void UserDefaultsGtk::moveAside(const std::string& reason)
         return;
     }
     // What somebody may still be able to rescue must not be written over.
-    m_fileState = FileState::keptAsItIs;
+    m_fileUse = FileUse::keptAsItIs;
     m_log.log("[UserDefaults] " + m_file.string() + ' ' + reason + " and could not be moved: nothing will be stored");
 }
 
 void UserDefaultsGtk::save()
 {
-    if (m_fileState == FileState::keptAsItIs)
+    applyUnsaved();
+    if (m_fileUse == FileUse::keptAsItIs)
         return;
-    m_fileState = FileState::behind;
     if (g_mkdir_with_parents(m_file.parent_path().c_str(), folderMode)) {
         m_log.log("[UserDefaults] no folder for " + m_file.string() + ": " + std::strerror(errno));
         return;
@@ -164,7 +236,7 @@ void UserDefaultsGtk::save()
         m_log.log("[UserDefaults] " + m_file.string() + ": " + describe(written.error()));
         return;
     }
-    m_fileState = FileState::upToDate;
+    m_unsaved.clear();
 }
 
 }

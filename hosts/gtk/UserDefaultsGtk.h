@@ -2,10 +2,11 @@
 
 #include "platform/UserDefaults.h"
 
+#include <expected>
 #include <filesystem>
 #include <map>
-#include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 namespace brevanta {
@@ -13,7 +14,11 @@ namespace brevanta {
 class SystemLog;
 
 // A JSON object in a file of mode 0600, replaced as a whole at each change; its folders are made when they are missing.
-// A file that cannot be read, or is no JSON object, is moved aside under a name of its own and the store begins empty.
+// The file is read anew before each change, so that what another process has stored under other keys stays. A file that
+// cannot be read, or is no JSON object, is moved aside under a name of its own: at the start the store then begins
+// empty, later it goes on with what this process knows.
+//
+// A date is the object {"date": "2026-11-21T12:00:00.000Z"}, with milliseconds and in UTC.
 class UserDefaultsGtk final : public UserDefaults {
 public:
     UserDefaultsGtk(std::filesystem::path file, SystemLog& log);
@@ -21,16 +26,22 @@ public:
     UserDefaultsGtk(const UserDefaultsGtk&) = delete;
     UserDefaultsGtk& operator=(const UserDefaultsGtk&) = delete;
 
+    // As of the last time that this process changed something, or its start.
     [[nodiscard]] std::optional<DefaultsValue> get(std::string_view key) const override;
 
-    // Text that is not UTF-8, and infinity and not-a-number, have no place in JSON: they are kept for this process
-    // only.
+    // Text that is not UTF-8, infinity and not-a-number, and dates outside of the years 0000 to 9999 have no form in
+    // the file: they are kept for this process only. Dates are rounded to milliseconds.
     void set(std::string_view key, const DefaultsValue& value) override;
+
+    // Nothing is stored in a file that cannot be read.
+    [[nodiscard]] StoredDefault persistent(std::string_view key) const override;
 
     void remove(std::string_view key) override;
 
 private:
-    void load();
+    [[nodiscard]] std::expected<nlohmann::json, std::string> readFile() const;
+    void refresh();
+    void applyUnsaved();
     void moveAside(const std::string& reason);
     void save();
 
@@ -38,7 +49,8 @@ private:
     SystemLog& m_log;
     nlohmann::json m_stored;
     std::map<std::string, DefaultsValue, std::less<>> m_unstorable;
-    enum class FileState { upToDate, behind, keptAsItIs } m_fileState { FileState::upToDate };
+    std::map<std::string, std::optional<nlohmann::json>> m_unsaved; // Nothing stands for a removed key.
+    enum class FileUse { replaced, keptAsItIs } m_fileUse { FileUse::replaced };
 };
 
 }

@@ -1,7 +1,9 @@
 #include "gtk/WorkspaceGtk.h"
 
 #include "base/Executor.h"
+#include "gtk/FileIcon.h"
 #include "gtk/GObjectPtr.h"
+#include "gtk/PropertyListGtk.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -41,6 +43,12 @@ void launch(const char* uri, OnEnd onEnd)
     g_app_info_launch_default_for_uri_async(uri, launchContext().get(), nullptr, launched, new OnEnd(std::move(onEnd)));
 }
 
+std::optional<std::string> textIn(const PropertyListTexts& texts, std::string_view key)
+{
+    const auto found = texts.find(key);
+    return found != texts.end() ? std::optional(found->second) : std::nullopt;
+}
+
 }
 
 void WorkspaceGtk::openUrl(const std::string& url, std::function<void(OpenOutcome)> onEnd)
@@ -59,6 +67,26 @@ void WorkspaceGtk::openFolder(const std::string& path, std::function<void(OpenOu
     if (!uri)
         return refuse(std::move(onEnd));
     launch(uri.get(), std::move(onEnd));
+}
+
+std::optional<ApplicationFacts> WorkspaceGtk::applicationAt(const std::string& path) const
+{
+    if (path.contains('\0') || !std::filesystem::path(path).is_absolute())
+        return std::nullopt;
+    const auto information = readPropertyList(std::filesystem::path(path) / "Contents/Info.plist");
+    if (!information)
+        return std::nullopt;
+    auto identifier = textIn(*information, "CFBundleIdentifier");
+    if (!identifier || identifier->empty())
+        return std::nullopt;
+    return ApplicationFacts { .bundleIdentifier = std::move(*identifier),
+        .displayName = textIn(*information, "CFBundleDisplayName"),
+        .name = textIn(*information, "CFBundleName") };
+}
+
+std::vector<std::uint8_t> WorkspaceGtk::iconPng(const std::string& path, int pixels) const
+{
+    return drawFileIcon(path, pixels);
 }
 
 void WorkspaceGtk::refuse(std::function<void(OpenOutcome)> onEnd)

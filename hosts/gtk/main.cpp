@@ -8,8 +8,12 @@
 #include "gtk/MainLoopGtk.h"
 #include "gtk/MainWindowGtk.h"
 #include "gtk/NotificationCenterGtk.h"
+#include "gtk/OpenPanelGtk.h"
+#include "gtk/PlaceholderGtk.h"
 #include "gtk/StatusItemGtk.h"
+#include "gtk/UrlGtk.h"
 #include "gtk/UserDefaultsGtk.h"
+#include "gtk/WebViewGtk.h"
 #include "gtk/WorkspaceGtk.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
@@ -39,12 +43,30 @@ std::filesystem::path executablePath()
     return std::filesystem::read_symlink("/proc/self/exe", error); // proc(5)
 }
 
-// Where the Mac keeps a user's preferences, below the development root or in the user's own home.
+// The user's own folder, or what stands for it below the development root.
+std::filesystem::path homeFolder(const BuildConfiguration& configuration)
+{
+    return configuration.root == "/" ? std::filesystem::path(g_get_home_dir())
+                                     : configuration.root / "Users" / g_get_user_name();
+}
+
+// Where the Mac keeps a user's preferences.
 std::filesystem::path preferencesFile(const BuildConfiguration& configuration)
 {
-    const auto home = configuration.root == "/" ? std::filesystem::path(g_get_home_dir())
-                                                : configuration.root / "Users" / g_get_user_name();
-    return home / "Library/Preferences" / (configuration.bundleIdentifier + ".json");
+    return homeFolder(configuration) / "Library/Preferences" / (configuration.bundleIdentifier + ".json");
+}
+
+// `contents` is the bundle's folder of that name.
+WebEngineOptions webEngineOptions(const BuildConfiguration& configuration, const std::filesystem::path& contents)
+{
+    const auto library = homeFolder(configuration) / "Library";
+    WebEngineOptions options { .data = library / "WebKit" / configuration.bundleIdentifier,
+        .cache = library / "Caches" / configuration.bundleIdentifier,
+        .extensions = contents / "PlugIns/WebProcess",
+        .certificate = std::nullopt };
+    if (const auto appUrl = parseUrl(configuration.appUrl); appUrl && configuration.extraCertificate)
+        options.certificate = { .file = *configuration.extraCertificate, .host = appUrl->host };
+    return options;
 }
 
 bool isConsoleLine(std::string_view line)
@@ -66,19 +88,31 @@ DesktopIdentity desktopIdentity(const BuildConfiguration& configuration, const s
         .desktopEntry = configuration.bundleIdentifier };
 }
 
+std::string newUuid()
+{
+    const GLibPtr<char> uuid(g_uuid_string_random());
+    return uuid.get();
+}
+
 // Everything below is destroyed from the last to the first: the delegate goes before the queue that its work runs on,
 // and the queue before the loop that its work answers to.
-int runApplication(const BuildConfiguration& configuration, const DesktopSession& session)
+int runApplication(
+    const BuildConfiguration& configuration, const DesktopSession& session, const std::vector<std::string>& links)
 {
-    const auto resources = executablePath().parent_path().parent_path() / "Resources";
+    const auto contents = executablePath().parent_path().parent_path();
+    const auto resources = contents / "Resources";
     const auto log = newLog(configuration.flavour);
     ClockGtk clock;
     MainLoopGtk mainLoop;
     ApplicationLifecycleGtk lifecycle(session.application);
     UserDefaultsGtk defaults(preferencesFile(configuration), *log);
-    MainWindowGtk mainWindow(*session.application.operator->(), resources, *log);
+    WebViewGtk webView(mainLoop, *log, webEngineOptions(configuration, contents));
+    PlaceholderGtk placeholder(resources);
+    MainWindowGtk mainWindow(*session.application.operator->(), resources,
+        { .page = webView.widget(), .placeholder = placeholder.widget() }, *log);
     StatusItemGtk statusItem(session.bus->gobj(), resources, mainLoop);
     AlertPanelGtk alerts(mainWindow.window(), mainLoop);
+    OpenPanelGtk openPanel(mainWindow.window(), mainLoop);
     WorkspaceGtk workspace(mainLoop);
     NotificationCenterGtk notifications(session.bus->gobj(), desktopIdentity(configuration, resources));
     LoginRecordsPosix loginRecords(isConsoleLine);
@@ -96,12 +130,17 @@ int runApplication(const BuildConfiguration& configuration, const DesktopSession
                              .alerts = alerts,
                              .workspace = workspace,
                              .notifications = notifications,
-                             .loginRecords = loginRecords },
+                             .loginRecords = loginRecords,
+                             .webView = webView,
+                             .placeholder = placeholder,
+                             .openPanel = openPanel,
+                             .newUuid = newUuid,
+                             .deviceName = g_get_host_name() },
         configuration);
-    return lifecycle.run(delegate);
+    return lifecycle.run(delegate, links);
 }
 
-int start(const BuildConfiguration& configuration)
+int start(const BuildConfiguration& configuration, const std::vector<std::string>& links)
 {
     ignoreBrokenPipeSignal();
     const auto session = joinDesktopSession(configuration.bundleIdentifier);
@@ -110,22 +149,22 @@ int start(const BuildConfiguration& configuration)
         return EXIT_FAILURE;
     }
     if (session->role == InstanceRole::further)
-        return session->application->run(); // Tells the first one, which opens its window, and ends.
-    return runApplication(configuration, *session);
+        return runOrHandOver(*session->application.operator->(), links);
+    return runApplication(configuration, *session, links);
 }
 
 }
 
 int main(int argc, char** argv)
 {
-    const auto action
+    const auto request
         = parseProgramArguments(std::span<const char* const>(argv, static_cast<std::size_t>(argc)).subspan(1));
-    if (!action) {
-        std::cerr << "Brevanta: unknown argument \"" << action.error().argument << "\" (see --help)\n";
+    if (!request) {
+        std::cerr << "Brevanta: unknown argument \"" << request.error().argument << "\" (see --help)\n";
         return badArguments;
     }
     const auto configuration = buildConfiguration(readEnvironment, executablePath());
-    switch (*action) {
+    switch (request->action) {
     case ProgramAction::showHelp:
         std::cout << programUsage();
         return EXIT_SUCCESS;
@@ -135,5 +174,5 @@ int main(int argc, char** argv)
     case ProgramAction::run:
         break;
     }
-    return start(configuration);
+    return start(configuration, request->links);
 }

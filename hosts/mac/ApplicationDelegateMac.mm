@@ -1,6 +1,9 @@
 #include "mac/ApplicationDelegateMac.h"
 
+#include "mac/UrlMac.h"
 #include "platform/ApplicationLifecycle.h"
+
+#import <ApplicationServices/ApplicationServices.h>
 
 using brevanta::ApplicationObserver;
 using brevanta::TerminationDecision;
@@ -16,9 +19,45 @@ using brevanta::TerminationDecision;
     return self;
 }
 
+// The handler has to be there before the first event: the link that starts an application comes before it has
+// finished launching.
 - (void)applicationWillFinishLaunching:(NSNotification*)notification
 {
+    [NSAppleEventManager.sharedAppleEventManager setEventHandler:self
+                                                     andSelector:@selector(handleGetURLEvent:withReplyEvent:)
+                                                   forEventClass:kInternetEventClass
+                                                      andEventID:kAEGetURL];
+    [NSWorkspace.sharedWorkspace.notificationCenter addObserver:self
+                                                       selector:@selector(systemDidWake:)
+                                                           name:NSWorkspaceDidWakeNotification
+                                                         object:nil];
     _observer->applicationWillFinishLaunching();
+}
+
+- (void)handleGetURLEvent:(NSAppleEventDescriptor*)event withReplyEvent:(NSAppleEventDescriptor*)replyEvent
+{
+    NSString* const text = [event paramDescriptorForKeyword:keyDirectObject].stringValue;
+    if (const auto url = brevanta::urlFrom(brevanta::absoluteUrlFromText(text)))
+        _observer->applicationDidOpenUrl(*url);
+}
+
+// Links that do not come as the event above.
+- (void)application:(NSApplication*)application openURLs:(NSArray<NSURL*>*)urls
+{
+    for (NSURL* address in urls) {
+        if (const auto url = brevanta::urlFrom(address))
+            _observer->applicationDidOpenUrl(*url);
+    }
+}
+
+- (void)applicationDidBecomeActive:(NSNotification*)notification
+{
+    _observer->applicationDidBecomeActive();
+}
+
+- (void)systemDidWake:(NSNotification*)notification
+{
+    _observer->systemDidWake();
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification
@@ -43,6 +82,7 @@ using brevanta::TerminationDecision;
 
 - (void)applicationWillTerminate:(NSNotification*)notification
 {
+    [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:self name:NSWorkspaceDidWakeNotification object:nil];
     _observer->applicationWillTerminate();
 }
 

@@ -12,17 +12,28 @@ NS_ASSUME_NONNULL_BEGIN
 
 namespace brevanta {
 
-// The main window (documentation page NSWindow); remembers its frame from one start to the next.
+class PlaceholderMac;
+class WebViewMac;
+
+// The main window (documentation page NSWindow); remembers its frame from one start to the next. The web view and the
+// placeholder outlive it. Before `build` there is no window: nothing is shown, and it is not visible.
 class MainWindowMac final : public MainWindow {
 public:
-    MainWindowMac();
+    MainWindowMac(const WebViewMac& webView, const PlaceholderMac& placeholder);
 
+    void build(const MainWindowLayout& layout) override;
     void showInFront() override;
     void hide() override;
     [[nodiscard]] bool isVisible() const override;
 
+    [[nodiscard]] NSWindow* _Nullable nativeWindow() const { return m_window; }
+
 private:
-    NSWindow* m_window;
+    [[nodiscard]] NSView* createContent(NSSize size) const;
+
+    const WebViewMac& m_webView;
+    const PlaceholderMac& m_placeholder;
+    NSWindow* _Nullable m_window { nil };
     BrevantaWindowDelegate* m_delegate; // NSWindow holds its delegate weakly.
 };
 

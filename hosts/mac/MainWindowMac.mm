@@ -1,5 +1,11 @@
 #include "mac/MainWindowMac.h"
 
+#include "mac/PlaceholderMac.h"
+#include "mac/TextMac.h"
+#include "mac/WebViewMac.h"
+
+#include <algorithm>
+
 @implementation BrevantaWindowDelegate
 
 - (BOOL)windowShouldClose:(NSWindow*)sender
@@ -14,18 +20,19 @@ namespace brevanta {
 
 namespace {
 
-constexpr NSRect initialFrame { { 0, 0 }, { 1100, 760 } }; // Points.
 NSString* const frameName = @"MainWindow";
 
-NSWindow* createWindow()
+NSWindow* createWindow(const MainWindowLayout& layout)
 {
+    const NSRect content { { 0, 0 },
+        { static_cast<CGFloat>(std::max(layout.width, 1)), static_cast<CGFloat>(std::max(layout.height, 1)) } };
     const NSWindowStyleMask style = NSWindowStyleMaskTitled | NSWindowStyleMaskClosable
         | NSWindowStyleMaskMiniaturizable | NSWindowStyleMaskResizable;
-    NSWindow* const window = [[NSWindow alloc] initWithContentRect:initialFrame
+    NSWindow* const window = [[NSWindow alloc] initWithContentRect:content
                                                          styleMask:style
                                                            backing:NSBackingStoreBuffered
                                                              defer:YES];
-    window.title = @"Brevanta";
+    window.title = displayString(layout.title);
     window.releasedWhenClosed = NO; // ARC owns it.
     if (![window setFrameUsingName:frameName])
         [window center];
@@ -35,12 +42,31 @@ NSWindow* createWindow()
 
 }
 
-MainWindowMac::MainWindowMac()
-    : m_window(createWindow())
+MainWindowMac::MainWindowMac(const WebViewMac& webView, const PlaceholderMac& placeholder)
+    : m_webView(webView)
+    , m_placeholder(placeholder)
     , m_delegate([[BrevantaWindowDelegate alloc] init])
 {
-    m_window.delegate = m_delegate;
-    m_window.contentView = [NSTextField labelWithString:@"Brevanta"];
+}
+
+void MainWindowMac::build(const MainWindowLayout& layout)
+{
+    NSWindow* const window = createWindow(layout);
+    window.delegate = m_delegate;
+    window.contentView = createContent(window.contentLayoutRect.size);
+    m_window = window;
+}
+
+// From below to above.
+NSView* MainWindowMac::createContent(NSSize size) const
+{
+    NSView* const content = [[NSView alloc] initWithFrame:NSRect { { 0, 0 }, size }];
+    for (NSView* part : { m_webView.nativeView(), m_placeholder.nativeView() }) {
+        part.frame = content.bounds;
+        part.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+        [content addSubview:part];
+    }
+    return content;
 }
 
 void MainWindowMac::showInFront()

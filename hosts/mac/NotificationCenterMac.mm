@@ -40,6 +40,27 @@ UNNotificationRequest* requestFor(const Notification& notification)
                                                 trigger:nil];
 }
 
+NotificationAuthorization authorizationFrom(UNAuthorizationStatus status)
+{
+    switch (status) {
+    case UNAuthorizationStatusNotDetermined:
+        return NotificationAuthorization::notDetermined;
+    case UNAuthorizationStatusAuthorized:
+        return NotificationAuthorization::authorized;
+    case UNAuthorizationStatusProvisional:
+        return NotificationAuthorization::provisional;
+    case UNAuthorizationStatusDenied:
+        break;
+    }
+    return NotificationAuthorization::denied;
+}
+
+void readAuthorization(UNUserNotificationCenter* center, std::function<void(NotificationAuthorization)> onEnd)
+{
+    [center getNotificationSettingsWithCompletionHandler:^(
+        UNNotificationSettings* settings) { onEnd(authorizationFrom(settings.authorizationStatus)); }];
+}
+
 }
 
 NotificationCenterMac::NotificationCenterMac(MainLoop& mainLoop)
@@ -60,27 +81,47 @@ void NotificationCenterMac::add(
         return;
     }
     Pending pending { requestFor(notification), std::move(finish) };
-    if (m_authorization == Authorization::answered) {
+    if (m_question == Question::answered) {
         addNow(pending);
         return;
     }
     m_pending.push_back(std::move(pending));
-    if (m_authorization == Authorization::notAsked)
-        requestAuthorization();
+    if (m_question == Question::notAsked)
+        requestAuthorization([](NotificationAuthorization) { });
 }
 
-void NotificationCenterMac::requestAuthorization()
+void NotificationCenterMac::getAuthorization(std::function<void(NotificationAuthorization)> onEnd)
 {
-    m_authorization = Authorization::asking;
-    const auto finish = m_authorizations.expect([this](bool) { authorizationAnswered(); });
-    [m_center requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound
-                            completionHandler:^(BOOL granted, NSError*) { finish(granted); }];
+    auto finish = m_authorizations.expect(std::move(onEnd));
+    if (m_center)
+        readAuthorization(m_center, std::move(finish));
+    else
+        finish(NotificationAuthorization::denied);
+}
+
+void NotificationCenterMac::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+{
+    const auto finish
+        = m_authorizations.expect([this, onEnd = std::move(onEnd)](NotificationAuthorization authorization) {
+              authorizationAnswered();
+              onEnd(authorization);
+          });
+    UNUserNotificationCenter* const center = m_center;
+    if (!center) {
+        finish(NotificationAuthorization::denied);
+        return;
+    }
+    if (m_question == Question::notAsked)
+        m_question = Question::asking;
+    // The settings and not the answer: they tell a provisional permission from a full one.
+    [center requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound
+                          completionHandler:^(BOOL, NSError*) { readAuthorization(center, finish); }];
 }
 
 // Whatever the answer: the system says of each notification by itself that it may not be shown.
 void NotificationCenterMac::authorizationAnswered()
 {
-    m_authorization = Authorization::answered;
+    m_question = Question::answered;
     for (const Pending& pending : std::exchange(m_pending, {}))
         addNow(pending);
 }

@@ -17,11 +17,12 @@ public:
 
     [[nodiscard]] std::optional<DefaultsValue> get(std::string_view key) const override;
     void set(std::string_view key, const DefaultsValue& value) override;
+    [[nodiscard]] StoredDefault persistent(std::string_view key) const override;
     void remove(std::string_view key) override;
 
 private:
     NSUserDefaults* m_defaults;
-    std::map<std::string, DefaultsValue, std::less<>> m_unstorable; // Text that is not UTF-8, kept for this process.
+    std::map<std::string, DefaultsValue, std::less<>> m_unstorable; // What cannot be stored, kept for this process.
 };
 
 }

@@ -4,6 +4,8 @@
 
 #import <CoreFoundation/CoreFoundation.h>
 
+#include <cmath>
+
 namespace brevanta {
 
 namespace {
@@ -48,6 +50,20 @@ std::optional<DefaultsValue> valueFromArray(NSArray* array)
     return DefaultsValue { std::move(integers) };
 }
 
+std::optional<DefaultsValue> valueFrom(id _Nullable object)
+{
+    if ([object isKindOfClass:NSNumber.class])
+        return valueFromNumber(object);
+    if ([object isKindOfClass:NSString.class])
+        return DefaultsValue { utf8FromString(object) };
+    if ([object isKindOfClass:NSArray.class])
+        return valueFromArray(object);
+    if ([object isKindOfClass:NSDate.class])
+        return DefaultsValue { DefaultsDate { static_cast<NSDate*>(object).timeIntervalSince1970 } };
+    return std::nullopt;
+}
+
+// Nil for what cannot be stored.
 id _Nullable objectFrom(const DefaultsValue& value)
 {
     if (const auto* boolean = std::get_if<bool>(&value))
@@ -58,6 +74,10 @@ id _Nullable objectFrom(const DefaultsValue& value)
         return [NSNumber numberWithDouble:*real];
     if (const auto* text = std::get_if<std::string>(&value))
         return stringFromUtf8(*text);
+    if (const auto* date = std::get_if<DefaultsDate>(&value)) {
+        const double seconds = date->secondsSince1970;
+        return std::isfinite(seconds) ? [NSDate dateWithTimeIntervalSince1970:seconds] : nil;
+    }
     NSMutableArray* const array = [NSMutableArray array];
     for (const std::int64_t integer : std::get<std::vector<std::int64_t>>(value))
         [array addObject:[NSNumber numberWithLongLong:integer]];
@@ -75,14 +95,7 @@ std::optional<DefaultsValue> UserDefaultsMac::get(std::string_view key) const
 {
     if (const auto kept = m_unstorable.find(key); kept != m_unstorable.end())
         return kept->second;
-    const id object = [m_defaults objectForKey:displayString(key)];
-    if ([object isKindOfClass:NSNumber.class])
-        return valueFromNumber(object);
-    if ([object isKindOfClass:NSString.class])
-        return DefaultsValue { utf8FromString(object) };
-    if ([object isKindOfClass:NSArray.class])
-        return valueFromArray(object);
-    return std::nullopt;
+    return valueFrom([m_defaults objectForKey:displayString(key)]);
 }
 
 void UserDefaultsMac::set(std::string_view key, const DefaultsValue& value)
@@ -94,6 +107,15 @@ void UserDefaultsMac::set(std::string_view key, const DefaultsValue& value)
     }
     m_unstorable.erase(std::string(key));
     [m_defaults setObject:object forKey:displayString(key)];
+}
+
+StoredDefault UserDefaultsMac::persistent(std::string_view key) const
+{
+    NSString* const domain = NSBundle.mainBundle.bundleIdentifier;
+    if (!domain)
+        return {};
+    const id object = [[m_defaults persistentDomainForName:domain] objectForKey:displayString(key)];
+    return { .isStored = object != nil, .value = valueFrom(object) };
 }
 
 void UserDefaultsMac::remove(std::string_view key)

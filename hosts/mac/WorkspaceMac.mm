@@ -27,6 +27,52 @@ bool isFolder(NSString* path)
         && isDirectory && ![NSWorkspace.sharedWorkspace isFilePackageAtPath:path];
 }
 
+constexpr int largestIcon = 4096; // Pixels; 64 MiB.
+
+std::optional<std::string> textIn(NSDictionary<NSString*, id>* dictionary, NSString* key)
+{
+    const id value = [dictionary objectForKey:key];
+    return [value isKindOfClass:NSString.class] ? std::optional(utf8FromString(value)) : std::nullopt;
+}
+
+NSBitmapImageRep* _Nullable createBitmap(NSInteger pixels)
+{
+    return [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
+                                                   pixelsWide:pixels
+                                                   pixelsHigh:pixels
+                                                bitsPerSample:8
+                                              samplesPerPixel:4
+                                                     hasAlpha:YES
+                                                     isPlanar:NO
+                                               colorSpaceName:NSDeviceRGBColorSpace
+                                                  bytesPerRow:0
+                                                 bitsPerPixel:0];
+}
+
+// Copied over the bitmap rather than blended with what its memory held before.
+void draw(NSImage* image, NSGraphicsContext* context, int pixels)
+{
+    const auto side = static_cast<CGFloat>(pixels);
+    [NSGraphicsContext saveGraphicsState];
+    NSGraphicsContext.currentContext = context;
+    context.imageInterpolation = NSImageInterpolationHigh;
+    [image drawInRect:NSRect {
+        { 0, 0 }, { side, side }
+    }
+        fromRect:NSRect {}
+        operation:NSCompositingOperationCopy
+        fraction:1];
+    [NSGraphicsContext restoreGraphicsState];
+}
+
+std::vector<std::uint8_t> bytesOf(NSData* _Nullable data)
+{
+    if (!data || data.length == 0)
+        return {};
+    const auto* const first = static_cast<const std::uint8_t*>(data.bytes);
+    return { first, first + data.length };
+}
+
 }
 
 WorkspaceMac::WorkspaceMac(MainLoop& mainLoop)
@@ -53,6 +99,34 @@ void WorkspaceMac::openFolder(const std::string& path, std::function<void(OpenOu
         open([NSURL fileURLWithPath:text isDirectory:YES], std::move(finish));
     else
         finish(OpenOutcome::refused);
+}
+
+std::optional<ApplicationFacts> WorkspaceMac::applicationAt(const std::string& path) const
+{
+    NSString* const text = stringFromUtf8(path);
+    NSBundle* const bundle = text && text.absolutePath ? [NSBundle bundleWithPath:text] : nil;
+    std::string identifier = utf8FromString(bundle.bundleIdentifier);
+    NSDictionary<NSString*, id>* const facts = bundle.infoDictionary;
+    if (identifier.empty() || !facts)
+        return std::nullopt;
+    return ApplicationFacts {
+        .bundleIdentifier = std::move(identifier),
+        .displayName = textIn(facts, @"CFBundleDisplayName"),
+        .name = textIn(facts, @"CFBundleName"),
+    };
+}
+
+std::vector<std::uint8_t> WorkspaceMac::iconPng(const std::string& path, int pixels) const
+{
+    NSString* const text = stringFromUtf8(path);
+    if (!text || !text.absolutePath || ![NSFileManager.defaultManager fileExistsAtPath:text])
+        return {};
+    NSBitmapImageRep* const bitmap = pixels > 0 && pixels <= largestIcon ? createBitmap(pixels) : nil;
+    NSGraphicsContext* const context = bitmap ? [NSGraphicsContext graphicsContextWithBitmapImageRep:bitmap] : nil;
+    if (!context)
+        return {};
+    draw([NSWorkspace.sharedWorkspace iconForFile:text], context, pixels);
+    return bytesOf([bitmap representationUsingType:NSBitmapImageFileTypePNG properties:[NSDictionary dictionary]]);
 }
 
 }

@@ -9,9 +9,13 @@
 #include "mac/MainMenuMac.h"
 #include "mac/MainWindowMac.h"
 #include "mac/NotificationCenterMac.h"
+#include "mac/OpenPanelMac.h"
+#include "mac/PlaceholderMac.h"
 #include "mac/StatusItemMac.h"
 #include "mac/SystemLogMac.h"
+#include "mac/TextMac.h"
 #include "mac/UserDefaultsMac.h"
+#include "mac/WebViewMac.h"
 #include "mac/WorkspaceMac.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
@@ -34,7 +38,7 @@ bool isConsoleLine(std::string_view line) { return line == "console"; }
 // some of its own to applications.
 bool answersOnTheCommandLine(std::span<const char* const> arguments, const BuildConfiguration& configuration)
 {
-    switch (parseProgramArguments(arguments).value_or(ProgramAction::run)) {
+    switch (parseProgramArguments(arguments).value_or(ProgramRequest {}).action) {
     case ProgramAction::run:
         return false;
     case ProgramAction::showHelp:
@@ -45,6 +49,15 @@ bool answersOnTheCommandLine(std::span<const char* const> arguments, const Build
         return true;
     }
     return false;
+}
+
+std::string newUuid() { return utf8FromString([NSUUID UUID].UUIDString.lowercaseString); }
+
+// As it stands in the system's settings; a Mac without one has a name in the network at least.
+std::string deviceName()
+{
+    NSString* const name = [NSHost currentHost].localizedName;
+    return utf8FromString(name ? name : NSProcessInfo.processInfo.hostName);
 }
 
 void runApplication(const BuildConfiguration& configuration)
@@ -59,9 +72,12 @@ void runApplication(const BuildConfiguration& configuration)
     SerialQueue daemonQueue(blockAllSignals);
     ApplicationLifecycleMac lifecycle(mainLoop);
     installMainMenu(NSApplication.sharedApplication);
-    MainWindowMac mainWindow;
+    WebViewMac webView(mainLoop);
+    PlaceholderMac placeholder;
+    MainWindowMac mainWindow(webView, placeholder);
     StatusItemMac statusItem;
     AlertPanelMac alerts(mainLoop);
+    OpenPanelMac openPanel(mainLoop, mainWindow);
     WorkspaceMac workspace(mainLoop);
     NotificationCenterMac notifications(mainLoop);
     AppDelegate delegate(
@@ -79,6 +95,11 @@ void runApplication(const BuildConfiguration& configuration)
             .workspace = workspace,
             .notifications = notifications,
             .loginRecords = loginRecords,
+            .webView = webView,
+            .placeholder = placeholder,
+            .openPanel = openPanel,
+            .newUuid = newUuid,
+            .deviceName = deviceName(),
         },
         configuration);
     lifecycle.run(delegate);

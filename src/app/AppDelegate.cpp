@@ -1,23 +1,28 @@
 #include "app/AppDelegate.h"
 
+#include "app/FirstLoadHold.h"
 #include "app/WindowAtLaunch.h"
 #include "daemon/DaemonClient.h"
 #include "daemon/SocketTransport.h"
 #include "filter/UnobservedHealth.h"
+#include "install/RemovalShellController.h"
 #include "menubar/MenuBarController.h"
 #include "platform/Clock.h"
 #include "platform/LocalSocket.h"
 #include "platform/LoginRecords.h"
 #include "platform/MainLoop.h"
-#include "platform/MainWindow.h"
+#include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
+#include "setup/DeviceSetup.h"
+#include "web/WebViewWindow.h"
 
 #include <cassert>
+#include <utility>
 
 namespace brevanta {
 
 AppDelegate::AppDelegate(AppPorts ports, BuildConfiguration configuration)
-    : m_ports(ports)
+    : m_ports(std::move(ports))
     , m_configuration(std::move(configuration))
 {
 }
@@ -32,13 +37,49 @@ void AppDelegate::applicationDidFinishLaunching()
     assert(m_ports.mainLoop.isMainThread());
     m_ports.lifecycle.setActivationPolicy(ActivationPolicy::regular);
     createDaemonClient();
+    createWindow();
+    armLaunchHold();
     createMenuBarController();
     decideWindowAtLaunch();
+    m_webViewWindow->loadCoordinator().prepare();
+    settleFilterActivation();
+}
+
+void AppDelegate::applicationDidOpenUrl(const Url& url)
+{
+    if (!DeviceSetupNavigation::isDeviceSetupLink(url))
+        return m_ports.log.log(
+            "[URLScheme] ignoring an unknown link (scheme=" + url.scheme + ", host=" + url.host + ")");
+    if (!m_linkThrottle.accepts(m_ports.clock.uptimeSeconds()))
+        return m_ports.log.log("[URLScheme] open/device-setup throttled");
+    if (!m_webViewWindow) {
+        m_launchLinkPending = true;
+        return;
+    }
+    m_ports.log.log("[URLScheme] open/device-setup: bringing the window to the front");
+    m_webViewWindow->bringToFront();
+    m_webViewWindow->deviceSetupLinkArrived();
+}
+
+void AppDelegate::applicationDidBecomeActive()
+{
+    if (m_webViewWindow)
+        m_webViewWindow->applicationDidBecomeActive();
+}
+
+void AppDelegate::systemDidWake()
+{
+    if (m_webViewWindow)
+        m_webViewWindow->systemDidWake();
 }
 
 TerminationDecision AppDelegate::applicationShouldTerminate() { return TerminationDecision::now; }
 
-void AppDelegate::applicationShouldReopen() { bringWindowToFront(); }
+void AppDelegate::applicationShouldReopen()
+{
+    if (m_webViewWindow)
+        m_webViewWindow->bringToFront();
+}
 
 void AppDelegate::applicationWillTerminate()
 {
@@ -54,6 +95,50 @@ void AppDelegate::createDaemonClient()
         m_ports.mainLoop);
 }
 
+void AppDelegate::createWindow()
+{
+    m_deviceSetup = std::make_unique<NoDeviceSetup>();
+    m_removal = std::make_unique<RemovalShellController>(*m_daemonClient, m_ports.log);
+    m_webViewWindow = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
+        .mainLoop = m_ports.mainLoop,
+        .clock = m_ports.clock,
+        .log = m_ports.log,
+        .defaults = m_ports.defaults,
+        .window = m_ports.mainWindow,
+        .webView = m_ports.webView,
+        .placeholder = m_ports.placeholder,
+        .openPanel = m_ports.openPanel,
+        .workspace = m_ports.workspace,
+        .notifications = m_ports.notifications,
+        .daemonClient = *m_daemonClient,
+        .deviceSetup = *m_deviceSetup,
+        .removal = *m_removal,
+        .updater = nullptr,
+        .origins = TrustedOrigins(m_configuration.trustedHosts, m_configuration.signInHosts),
+        .activateApplication = [this] { m_ports.lifecycle.activate(); },
+        .newUuid = m_ports.newUuid,
+        .deviceName = m_ports.deviceName,
+        .appUrl = m_configuration.appUrl,
+        .applicationsFolder = (m_configuration.root / "Applications").string(),
+        .version = m_configuration.version,
+        .bundleIdentifier = m_configuration.bundleIdentifier,
+        .extensionStoreUrl = m_configuration.extensionStoreUrl,
+    });
+}
+
+void AppDelegate::armLaunchHold()
+{
+    m_firstLoadHold = std::make_unique<FirstLoadHold>(
+        m_ports.mainLoop, [this](const std::string& reason) { m_webViewWindow->loadCoordinator().release(reason); });
+    m_firstLoadHold->arm();
+}
+
+// This client activates no content filter, so there is nothing that the first load would have to wait for.
+void AppDelegate::settleFilterActivation()
+{
+    m_firstLoadHold->activationSettled({ .kind = LaunchActivationOutcome::Kind::skipped });
+}
+
 void AppDelegate::createMenuBarController()
 {
     m_health = std::make_unique<UnobservedHealth>();
@@ -65,10 +150,10 @@ void AppDelegate::createMenuBarController()
         .notifications = m_ports.notifications,
         .daemonClient = *m_daemonClient,
         .health = *m_health,
-        .webShell = nullptr,
-        .consumers = {},
+        .webShell = m_webViewWindow.get(),
+        .consumers = { m_removal.get() },
         .version = m_configuration.version,
-        .openWindow = [this] { bringWindowToFront(); },
+        .openWindow = [this] { m_webViewWindow->open(); },
         .quit = [this] { m_ports.lifecycle.terminate(); },
     });
     m_menuBarController->start();
@@ -79,18 +164,19 @@ void AppDelegate::decideWindowAtLaunch()
     const auto login = m_ports.loginRecords.consoleLoginTime();
     const auto sinceLogin = login ? std::optional(m_ports.clock.wallSeconds() - *login) : std::nullopt;
     m_ports.log.log(describeWindowAtLaunch(sinceLogin));
-    if (windowAtLaunch(sinceLogin) == WindowAtLaunch::shown)
-        return bringWindowToFront();
-    if (m_ports.statusItem.visibility() == StatusItemVisibility::noHost) {
+    const bool cannotBeFound = m_ports.statusItem.visibility() == StatusItemVisibility::noHost;
+    if (windowAtLaunch(sinceLogin) == WindowAtLaunch::shown) {
+        m_webViewWindow->bringToFront();
+    } else if (cannotBeFound) {
         m_ports.log.log("[Launch] no bar shows the status item: showing the window");
-        bringWindowToFront();
+        m_webViewWindow->bringToFront();
     }
-}
-
-void AppDelegate::bringWindowToFront()
-{
-    m_ports.mainWindow.showInFront();
-    m_ports.lifecycle.activate();
+    if (!m_launchLinkPending)
+        return;
+    m_ports.log.log("[URLScheme] open/device-setup launched the app: bringing the window to the front");
+    m_launchLinkPending = false;
+    m_webViewWindow->bringToFront();
+    m_webViewWindow->deviceSetupLinkArrived();
 }
 
 }

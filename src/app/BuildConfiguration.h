@@ -21,6 +21,7 @@ struct BuildConfiguration {
     std::string appUrl; // The web application.
     std::vector<std::string> trustedHosts; // Hosts whose pages may use the bridge, lower case.
     std::vector<std::string> signInHosts; // Hosts that may be navigated to for signing in, lower case.
+    std::string extensionStoreUrl; // The browser extension's page in its store.
     std::optional<std::filesystem::path> extraCertificate; // PEM, accepted for the app URL's host; dev flavour only.
 };
 

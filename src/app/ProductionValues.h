@@ -16,6 +16,7 @@ inline BuildConfiguration productionValues()
         .appUrl = "https://www.brevanta.com/",
         .trustedHosts = { "brevanta.com", "www.brevanta.com", "staging.brevanta.com" },
         .signInHosts = { "accounts.google.com", "appleid.apple.com" },
+        .extensionStoreUrl = "https://www.brevanta.com/extension",
         .extraCertificate = std::nullopt,
     };
 }

@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 namespace brevanta::json {
 
@@ -86,6 +87,23 @@ void appendNumber(std::string& out, double number)
     std::array<char, 32> digits {};
     const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number);
     out.append(digits.data(), error == std::errc {} ? end : digits.data());
+}
+
+std::string scriptText(const Json& value)
+{
+    const auto text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    std::string script;
+    script.reserve(text.size());
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        // Only inside of texts does a JSON value have such bytes.
+        const auto lead = std::min(rest.find(lineSeparatorLead), rest.size());
+        script += rest.substr(0, lead);
+        rest.remove_prefix(lead);
+        if (!rest.empty())
+            rest.remove_prefix(appendEscaped(script, rest));
+    }
+    return script;
 }
 
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Json.h"
+
 #include <span>
 #include <string>
 #include <string_view>
@@ -13,5 +15,8 @@ void appendStringArray(std::string& out, std::span<const std::string_view> texts
 
 // The shortest digits that read back as the same number. Infinity and not-a-number, which JSON lacks, become null.
 void appendNumber(std::string& out, double number);
+
+// A whole value, the keys of its objects in their order. Text that is not UTF-8 gets replacement characters.
+[[nodiscard]] std::string scriptText(const Json& value);
 
 }

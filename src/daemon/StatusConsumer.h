@@ -6,13 +6,16 @@ namespace brevanta {
 
 struct BlockingStatus;
 
-// A part of the client that each new status is handed to. Main thread only.
+// A part of the client that the end of each poll is told. Main thread only.
 class StatusConsumer {
 public:
     virtual ~StatusConsumer() = default;
 
     // A reply of the same bytes as the one before is handed on as the same object. Never calls back into the caller.
     virtual void consume(const std::shared_ptr<const BlockingStatus>& status) = 0;
+
+    // A poll ended without a status. As `consume`.
+    virtual void serviceFailed() = 0;
 };
 
 }

@@ -67,6 +67,8 @@ void MenuBarController::statusFailed(const DaemonFailure& failure, double starte
         m_dependencies.log.log("[MenuBar] status poll failed: " + description);
     m_lastFailure = std::move(description);
 
+    for (auto* consumer : m_dependencies.consumers)
+        consumer->serviceFailed();
     m_dependencies.health.pollFailed(failure, startedAt);
     forgetDisplay();
     refreshStatusItem();

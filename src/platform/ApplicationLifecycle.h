@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Url.h"
+
 namespace brevanta {
 
 // Regular: Dock icon and main menu. Accessory: neither, only a status item and windows.
@@ -12,11 +14,20 @@ class ApplicationObserver {
 public:
     virtual ~ApplicationObserver() = default;
 
-    // Before the first event is handled: links that started the application arrive after this and before the next.
+    // Before the first event is handled: a link that started the application arrives after this and before the next.
     virtual void applicationWillFinishLaunching() = 0;
 
     // Once, when the loop runs.
     virtual void applicationDidFinishLaunching() = 0;
+
+    // A link of the application's own scheme was opened, by whatever means.
+    virtual void applicationDidOpenUrl(const Url& url) = 0;
+
+    // The application has become the one that the user works with.
+    virtual void applicationDidBecomeActive() = 0;
+
+    // The machine has come out of its sleep.
+    virtual void systemDidWake() = 0;
 
     // Somebody asked the application to quit. After `later`, the host goes on running until `answerTermination`.
     [[nodiscard]] virtual TerminationDecision applicationShouldTerminate() = 0;

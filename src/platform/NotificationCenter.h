@@ -21,6 +21,9 @@ struct NotificationError {
     bool operator==(const NotificationError&) const = default;
 };
 
+// Whether the user lets the application notify.
+enum class NotificationAuthorization { notDetermined, denied, authorized, provisional };
+
 // The system's notifications. Main thread only.
 class NotificationCenter {
 public:
@@ -31,6 +34,11 @@ public:
     virtual void add(
         const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd)
         = 0;
+
+    // Both answer exactly once on the main thread, after the call has returned, unless the center is destroyed first.
+    // The second asks the user, once in the life of an installation; later calls answer what was decided.
+    virtual void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) = 0;
+    virtual void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) = 0;
 
     // Takes delivered notifications off the screen and out of the list; unknown identifiers are ignored.
     virtual void removeDelivered(const std::vector<std::string>& identifiers) = 0;

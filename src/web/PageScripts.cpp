@@ -5,6 +5,15 @@
 
 namespace brevanta {
 
+namespace {
+
+std::string stateEvent(const std::string& name, const Json& state)
+{
+    return "window.dispatchEvent(new CustomEvent('" + name + "', { detail: " + json::scriptText(state) + " }));";
+}
+
+}
+
 std::string PageScripts::blockingStatus(const BlockingStatus& status)
 {
     std::string script = "window.dispatchEvent(new CustomEvent('kestrelune_blocking_status', {\n"
@@ -30,6 +39,33 @@ std::string PageScripts::appPicked(std::string_view bundleId, std::string_view n
     script += ",\"icon\":";
     json::appendString(script, icon);
     script += "} }));";
+    return script;
+}
+
+std::string PageScripts::notificationStatus(std::string_view authorization)
+{
+    return "window.dispatchEvent(new CustomEvent('kestrelune_notification_status',{ detail: { authorization: '"
+        + std::string(authorization) + "' } }));";
+}
+
+std::string PageScripts::deviceSetupState(const Json& state)
+{
+    return stateEvent("kestrelune_device_setup_state", state);
+}
+
+std::string PageScripts::removalState(const Json& state) { return stateEvent("kestrelune_removal_state", state); }
+
+std::string PageScripts::updaterState(const Json& state) { return stateEvent("kestrelune_updater_state", state); }
+
+std::string PageScripts::documentStart(std::string_view deviceId, std::string_view deviceName, std::string_view version)
+{
+    std::string script = "window.__kestreluneDevice = { id: ";
+    json::appendString(script, deviceId);
+    script += ", name: ";
+    json::appendString(script, deviceName);
+    script += " };\nwindow.isKestreluneMac = true; window.kestreluneVersion = ";
+    json::appendString(script, version);
+    script += ";\nwindow.kestreluneCapabilities = { dictation: true };";
     return script;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Json.h"
+
 #include <string>
 #include <string_view>
 
@@ -19,6 +21,18 @@ inline constexpr std::string_view navigationPending
     = "window.dispatchEvent(new CustomEvent('kestrelune_navigation_pending'));";
 
 [[nodiscard]] std::string blockingStatus(const BlockingStatus& status);
+
+// Whether the user lets the client notify; the state is one of the words of NotificationAuthorization.
+[[nodiscard]] std::string notificationStatus(std::string_view authorization);
+
+// These carry the state as it is given.
+[[nodiscard]] std::string deviceSetupState(const Json& state);
+[[nodiscard]] std::string removalState(const Json& state);
+[[nodiscard]] std::string updaterState(const Json& state);
+
+// Run at the start of each document, before the page's own scripts: who the page is shown by.
+[[nodiscard]] std::string documentStart(
+    std::string_view deviceId, std::string_view deviceName, std::string_view version);
 
 // An application that the user picked; `icon` is a data URL.
 [[nodiscard]] std::string appPicked(std::string_view bundleId, std::string_view name, std::string_view icon);

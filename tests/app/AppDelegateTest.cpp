@@ -1,12 +1,12 @@
 #include "app/AppDelegate.h"
 
-#include "daemon/DaemonClient.h"
 #include "fakes/FakeLocalSockets.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
+#include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
-#include "menubar/MenuBarController.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace brevanta {
@@ -25,6 +25,11 @@ protected:
         mainLoop.runPosted();
     }
 
+    [[nodiscard]] bool hasLine(const std::string& line) const
+    {
+        return std::ranges::find(log.lines, line) != log.lines.end();
+    }
+
     FakeClock clock;
     FakeMainLoop mainLoop { clock };
     ManualExecutor queue;
@@ -38,15 +43,20 @@ protected:
     FakeWorkspace workspace { mainLoop };
     FakeNotificationCenter notifications { mainLoop };
     FakeLoginRecords loginRecords;
+    FakeWebView webView;
+    FakePlaceholder placeholder;
+    FakeOpenPanel openPanel { mainLoop };
     AppDelegate delegate { AppPorts { mainLoop, queue, sockets, clock, log, defaults, lifecycle, window, statusItem,
-                               alerts, workspace, notifications, loginRecords },
+                               alerts, workspace, notifications, loginRecords, webView, placeholder, openPanel,
+                               [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac" },
         BuildConfiguration { .version = "0.121.0",
             .bundleIdentifier = {},
             .root = "/",
             .socketPath = "/the/socket",
-            .appUrl = {},
-            .trustedHosts = {},
+            .appUrl = "https://www.example.com/",
+            .trustedHosts = { "www.example.com" },
             .signInHosts = {},
+            .extensionStoreUrl = {},
             .extraCertificate = std::nullopt } };
 };
 
@@ -60,7 +70,7 @@ TEST_F(AppDelegateTest, LaunchMakesARegularApplicationThatPollsAndShowsItsWindow
     EXPECT_EQ(statusItem.visibleTitle(100), "Blocking service starting");
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(lifecycle.activations, 1);
-    EXPECT_EQ(log.lines.front(), "[Launch] seconds since console login=unknown → showsWindow=true");
+    EXPECT_TRUE(hasLine("[Launch] seconds since console login=unknown → showsWindow=true"));
 }
 
 TEST_F(AppDelegateTest, RightAfterLoginTheWindowStaysHiddenUnlessThereIsNoBarToBeFoundIn)
@@ -94,6 +104,80 @@ TEST_F(AppDelegateTest, QuitTerminatesAtOnceAndCutsOffWhatTheServiceHolds)
     EXPECT_EQ(delegate.applicationShouldTerminate(), TerminationDecision::now);
     delegate.applicationWillTerminate();
     EXPECT_EQ(sockets.interrupts, 1);
+}
+
+TEST_F(AppDelegateTest, TheFirstLoadFollowsThePreparedWindowAndTheReleasedHold)
+{
+    launch();
+    EXPECT_TRUE(window.built);
+    EXPECT_EQ(webView.loads, (std::vector<FakeWebView::Load> { { "https://www.example.com/", 20 } }));
+    EXPECT_TRUE(std::ranges::any_of(log.lines, [](const std::string& line) {
+        return line.starts_with("[ShellLoad] released (filter activation settled) → phase=provisional");
+    }));
+}
+
+TEST_F(AppDelegateTest, TheMenusReloadAndOpenReachThePage)
+{
+    launch();
+    webView.fail({ "NSURLErrorDomain", -1200 });
+    statusItem.choose("Open Brevanta");
+    EXPECT_EQ(webView.loads.size(), 2U) << "a page that is missing is tried again";
+    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
+    webView.finish();
+    statusItem.choose("Open Brevanta");
+    EXPECT_EQ(webView.reloads, 0) << "a page that is there is kept";
+    statusItem.choose("Reload");
+    EXPECT_EQ(webView.reloads, 1);
+}
+
+TEST_F(AppDelegateTest, ASetupLinkBringsTheWindowForwardAtMostEveryTwoSeconds)
+{
+    loginRecords.loginTime = clock.wallSeconds() - 30;
+    launch();
+    ASSERT_FALSE(window.isVisible());
+    const Url link {
+        .text = "brevanta://open/device-setup", .scheme = "brevanta", .host = "open", .path = "/device-setup"
+    };
+    delegate.applicationDidOpenUrl(link);
+    EXPECT_EQ(window.timesShown, 1);
+    EXPECT_EQ(lifecycle.activations, 1);
+    EXPECT_EQ(log.lines.back(), "[URLScheme] open/device-setup: bringing the window to the front");
+    mainLoop.advance(1.9);
+    delegate.applicationDidOpenUrl(link);
+    EXPECT_EQ(log.lines.back(), "[URLScheme] open/device-setup throttled");
+    EXPECT_EQ(window.timesShown, 1);
+    mainLoop.advance(0.1);
+    delegate.applicationDidOpenUrl(link);
+    EXPECT_EQ(window.timesShown, 2);
+    delegate.applicationDidOpenUrl(
+        { .text = "brevanta://open/other?token=secret", .scheme = "brevanta", .host = "open", .path = "/other" });
+    EXPECT_EQ(log.lines.back(), "[URLScheme] ignoring an unknown link (scheme=brevanta, host=open)");
+    EXPECT_EQ(window.timesShown, 2);
+}
+
+TEST_F(AppDelegateTest, ALinkThatStartsTheApplicationShowsTheWindowAndWaitsForThePage)
+{
+    loginRecords.loginTime = clock.wallSeconds() - 30;
+    delegate.applicationWillFinishLaunching();
+    delegate.applicationDidOpenUrl(
+        { .text = "brevanta://open/device-setup", .scheme = "brevanta", .host = "open", .path = "/device-setup" });
+    delegate.applicationDidFinishLaunching();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_TRUE(
+        std::ranges::find(log.lines, "[URLScheme] open/device-setup launched the app: bringing the window to the front")
+        != log.lines.end());
+    const auto reply = webView.configuration->replyHandlers.at(0).handler.replyTo(
+        { R"({"type":"take_pending_navigation"})", { true, "https", "www.example.com" } });
+    EXPECT_TRUE(reply && reply->contains("device-setup"));
+}
+
+TEST_F(AppDelegateTest, EventsBeforeThereIsAWindowAreSurvived)
+{
+    delegate.applicationWillFinishLaunching();
+    delegate.applicationDidBecomeActive();
+    delegate.systemDidWake();
+    delegate.applicationShouldReopen();
+    EXPECT_EQ(window.timesShown, 0);
 }
 
 }

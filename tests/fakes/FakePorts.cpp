@@ -27,8 +27,18 @@ void FakeUserDefaults::set(std::string_view key, const DefaultsValue& value)
     m_values.insert_or_assign(std::string(key), value);
 }
 
+StoredDefault FakeUserDefaults::persistent(std::string_view key) const
+{
+    if (m_unknown.contains(key))
+        return { .isStored = true, .value = std::nullopt };
+    const auto value = get(key);
+    return { .isStored = value.has_value(), .value = value };
+}
+
 void FakeUserDefaults::remove(std::string_view key)
 {
+    if (const auto found = m_unknown.find(key); found != m_unknown.end())
+        m_unknown.erase(found);
     if (const auto found = m_values.find(key); found != m_values.end())
         m_values.erase(found);
 }
@@ -81,10 +91,38 @@ void FakeAlertPanel::answer(AlertResponse response)
     m_open.erase(m_open.begin());
 }
 
+void FakeMainWindow::build(const MainWindowLayout& layout) { built = layout; }
+
 void FakeMainWindow::showInFront()
 {
     m_visible = true;
     ++timesShown;
+}
+
+void FakePlaceholder::show(const PlaceholderContent& newContent)
+{
+    content = newContent;
+    isShown = true;
+}
+
+void FakePlaceholder::pressButton()
+{
+    if (isShown && !content.button.empty() && m_handler)
+        m_handler();
+}
+
+void FakeOpenPanel::present(const OpenPanelRequest& request, std::function<void(std::vector<std::string>)> onEnd)
+{
+    presented.push_back(request);
+    m_open.push_back(std::move(onEnd));
+}
+
+void FakeOpenPanel::choose(const std::vector<std::string>& paths)
+{
+    if (m_open.empty())
+        return;
+    m_mainLoop.post([onEnd = std::move(m_open.front()), paths] { onEnd(paths); });
+    m_open.pop_front();
 }
 
 void FakeWorkspace::openUrl(const std::string& url, std::function<void(OpenOutcome)> onEnd)
@@ -114,6 +152,30 @@ void FakeNotificationCenter::add(
 void FakeNotificationCenter::removeDelivered(const std::vector<std::string>& identifiers)
 {
     removed.insert(removed.end(), identifiers.begin(), identifiers.end());
+}
+
+std::optional<ApplicationFacts> FakeWorkspace::applicationAt(const std::string& path) const
+{
+    const auto found = applications.find(path);
+    return found == applications.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::vector<std::uint8_t> FakeWorkspace::iconPng(const std::string&, int pixels) const
+{
+    iconSizes.push_back(pixels);
+    return icon;
+}
+
+void FakeNotificationCenter::getAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+{
+    m_mainLoop.post([onEnd = std::move(onEnd), answer = authorization] { onEnd(answer); });
+}
+
+void FakeNotificationCenter::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+{
+    if (authorization == NotificationAuthorization::notDetermined)
+        authorization = answerOfUser;
+    getAuthorization(std::move(onEnd));
 }
 
 }

@@ -6,13 +6,17 @@
 #include "platform/LoginRecords.h"
 #include "platform/MainWindow.h"
 #include "platform/NotificationCenter.h"
+#include "platform/OpenPanel.h"
+#include "platform/Placeholder.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 
+#include <deque>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -36,9 +40,14 @@ class FakeUserDefaults final : public UserDefaults {
 public:
     [[nodiscard]] std::optional<DefaultsValue> get(std::string_view key) const override;
     void set(std::string_view key, const DefaultsValue& value) override;
+    [[nodiscard]] StoredDefault persistent(std::string_view key) const override;
     void remove(std::string_view key) override;
 
+    // As another process would store something of a shape that the port has no form for.
+    void storeUnknownShape(const std::string& key) { m_unknown.insert(key); }
+
 private:
+    std::set<std::string, std::less<>> m_unknown;
     std::map<std::string, DefaultsValue, std::less<>> m_values;
 };
 
@@ -84,14 +93,51 @@ private:
 
 class FakeMainWindow final : public MainWindow {
 public:
+    void build(const MainWindowLayout& layout) override;
     void showInFront() override;
     void hide() override { m_visible = false; }
     [[nodiscard]] bool isVisible() const override { return m_visible; }
 
+    std::optional<MainWindowLayout> built;
     int timesShown { 0 };
 
 private:
     bool m_visible { false };
+};
+
+class FakePlaceholder final : public Placeholder {
+public:
+    void show(const PlaceholderContent& newContent) override;
+    void hide() override { isShown = false; }
+    void setButtonHandler(std::function<void()> handler) override { m_handler = std::move(handler); }
+
+    // As the user would: nothing happens while there is no button to be seen.
+    void pressButton();
+
+    bool isShown { true };
+    PlaceholderContent content;
+
+private:
+    std::function<void()> m_handler;
+};
+
+class FakeOpenPanel final : public OpenPanel {
+public:
+    explicit FakeOpenPanel(Executor& mainLoop)
+        : m_mainLoop(mainLoop)
+    {
+    }
+
+    void present(const OpenPanelRequest& request, std::function<void(std::vector<std::string>)> onEnd) override;
+
+    // Ends the oldest panel on screen; no path is a cancel.
+    void choose(const std::vector<std::string>& paths);
+
+    std::vector<OpenPanelRequest> presented;
+
+private:
+    Executor& m_mainLoop;
+    std::deque<std::function<void(std::vector<std::string>)>> m_open;
 };
 
 class FakeWorkspace final : public Workspace {
@@ -103,9 +149,14 @@ public:
 
     void openUrl(const std::string& url, std::function<void(OpenOutcome)> onEnd) override;
     void openFolder(const std::string& path, std::function<void(OpenOutcome)> onEnd) override;
+    [[nodiscard]] std::optional<ApplicationFacts> applicationAt(const std::string& path) const override;
+    [[nodiscard]] std::vector<std::uint8_t> iconPng(const std::string& path, int pixels) const override;
 
     std::vector<std::string> opened;
     OpenOutcome outcome { OpenOutcome::opened };
+    std::map<std::string, ApplicationFacts> applications; // By path.
+    std::vector<std::uint8_t> icon;
+    mutable std::vector<int> iconSizes; // What icons were asked for.
 
 private:
     Executor& m_mainLoop;
@@ -120,8 +171,12 @@ public:
 
     void add(
         const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd) override;
+    void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
+    void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
     void removeDelivered(const std::vector<std::string>& identifiers) override;
 
+    NotificationAuthorization authorization { NotificationAuthorization::notDetermined };
+    NotificationAuthorization answerOfUser { NotificationAuthorization::authorized }; // When first asked.
     std::vector<Notification> added;
     std::vector<std::string> removed;
     std::optional<NotificationError> failure; // What every add ends with.

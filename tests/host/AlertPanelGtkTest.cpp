@@ -1,50 +1,15 @@
 #include "gtk/AlertPanelGtk.h"
 
-#include "gtk/MainLoopGtk.h"
-#include "support/VirtualDisplay.h"
+#include "host/DisplayTest.h"
 
-#include <gtest/gtest.h>
-#include <gtkmm.h>
 #include <optional>
 
 namespace brevanta {
 
 namespace {
 
-using functional::VirtualDisplay;
-
-// GTK takes one display for the life of the process.
-class DisplayEnvironment final : public testing::Environment {
-public:
-    void SetUp() override
-    {
-        auto started = VirtualDisplay::start();
-        ASSERT_TRUE(started) << started.error();
-        m_display = std::move(*started);
-        g_setenv("DISPLAY", m_display->name().c_str(), TRUE);
-        g_setenv("NO_AT_BRIDGE", "1", TRUE);
-        g_unsetenv("WAYLAND_DISPLAY");
-        ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
-        Gtk::Main::init_gtkmm_internals();
-    }
-
-private:
-    std::unique_ptr<VirtualDisplay> m_display;
-};
-
-const auto* const displayEnvironment = testing::AddGlobalTestEnvironment(new DisplayEnvironment);
-
-class AlertPanelGtkTest : public testing::Test {
+class AlertPanelGtkTest : public DisplayTest {
 protected:
-    bool serveUntil(const std::function<bool()>& condition)
-    {
-        bool timeIsUp = false;
-        const auto guard = loop.startTimer(20, TimerRepeat::once, [&] { timeIsUp = true; });
-        while (!condition() && !timeIsUp)
-            g_main_context_iteration(nullptr, TRUE);
-        return condition();
-    }
-
     // The dialogs that can be seen, from the oldest on.
     std::vector<Gtk::MessageDialog*> dialogs()
     {
@@ -68,7 +33,6 @@ protected:
         return ended;
     }
 
-    MainLoopGtk loop;
     Gtk::Window window;
     AlertPanelGtk alerts { window, loop };
     Alert alert { .identifier = "one",

@@ -242,6 +242,38 @@ TEST_F(NotificationCenterGtkTest, RemembersTheNewestOfVeryManyNotifications)
     EXPECT_EQ(m_service->closeCalls, std::vector<std::uint32_t> { 350 });
 }
 
+TEST_F(NotificationCenterGtkTest, IsAuthorizedAsLongAsAServiceAnswers)
+{
+    std::vector<NotificationAuthorization> answers;
+    const auto record = [&](NotificationAuthorization answer) { answers.push_back(answer); };
+    const auto answersAre = [&](const std::vector<NotificationAuthorization>& expected) {
+        const bool came = serveUntil([&] { return answers.size() >= expected.size(); });
+        settle();
+        return came && answers == expected;
+    };
+    using enum NotificationAuthorization;
+    m_center.getAuthorization(record);
+    m_center.requestAuthorization(record);
+    EXPECT_TRUE(answers.empty()) << "never from inside the call";
+    EXPECT_TRUE(answersAre({ authorized, authorized }));
+
+    m_service.reset();
+    hearTheBus();
+    m_center.requestAuthorization(record);
+    m_center.getAuthorization(record);
+    EXPECT_TRUE(serveUntil([&] { return answers.size() == 4; }));
+    startService();
+    m_center.getAuthorization(record);
+    EXPECT_TRUE(answersAre({ authorized, authorized, notDetermined, notDetermined, authorized }));
+    {
+        NotificationCenterGtk shortLived(m_connection.get(), { "Brevanta", "", "" });
+        shortLived.getAuthorization(record);
+        shortLived.requestAuthorization(record);
+    }
+    settle();
+    EXPECT_EQ(answers.size(), 5U) << "a centre that has gone answers nothing";
+}
+
 TEST(NameOwnerWatchTest, FollowsTheNameFromTheFirstQuestionOn)
 {
     const TestBus bus;

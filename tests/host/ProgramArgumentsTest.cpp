@@ -9,15 +9,27 @@ TEST(ProgramArgumentsTest, SaysWhatTheCommandLineAsksFor)
 {
     struct Case {
         std::vector<const char*> arguments;
-        std::expected<ProgramAction, UnknownArgument> expected;
+        std::expected<ProgramRequest, UnknownArgument> expected;
     };
+    const auto run
+        = [](std::vector<std::string> links) { return ProgramRequest { ProgramAction::run, std::move(links) }; };
+    const ProgramRequest help { ProgramAction::showHelp, {} };
+    const ProgramRequest version { ProgramAction::showVersion, {} };
     const Case cases[] = {
-        { {}, ProgramAction::run },
-        { { "--help" }, ProgramAction::showHelp },
-        { { "-h" }, ProgramAction::showHelp },
-        { { "--version" }, ProgramAction::showVersion },
-        { { "--version", "--help" }, ProgramAction::showVersion },
-        { { "--help", "--version" }, ProgramAction::showHelp },
+        { {}, run({}) },
+        { { "--help" }, help },
+        { { "-h" }, help },
+        { { "--version" }, version },
+        { { "--version", "--help" }, version },
+        { { "--help", "--version" }, help },
+        { { "brevanta://open/A?b=C%2f#d" }, run({ "brevanta://open/A?b=C%2f#d" }) },
+        { { "Brevanta:x", "brevanta:" }, run({ "Brevanta:x", "brevanta:" }) },
+        { { "brevanta://open/x", "--help" }, ProgramRequest { ProgramAction::showHelp, { "brevanta://open/x" } } },
+        { { "brevanta://open/x", "--bogus" }, std::unexpected(UnknownArgument { "--bogus" }) },
+        { { "brevanta" }, std::unexpected(UnknownArgument { "brevanta" }) },
+        { { "brevantas://open" }, std::unexpected(UnknownArgument { "brevantas://open" }) },
+        { { "https://brevanta:" }, std::unexpected(UnknownArgument { "https://brevanta:" }) },
+        { { " brevanta:x" }, std::unexpected(UnknownArgument { " brevanta:x" }) },
         { { "--Help" }, std::unexpected(UnknownArgument { "--Help" }) },
         { { "--help", "--bogus" }, std::unexpected(UnknownArgument { "--bogus" }) },
         { { "file" }, std::unexpected(UnknownArgument { "file" }) },
@@ -33,7 +45,7 @@ TEST(ProgramArgumentsTest, SaysWhatTheCommandLineAsksFor)
 
 TEST(ProgramArgumentsTest, TheUsageNamesEveryArgumentThatIsTaken)
 {
-    for (const auto* argument : { "-h", "--help", "--version" })
+    for (const auto* argument : { "-h", "--help", "--version", "brevanta:" })
         EXPECT_TRUE(programUsage().contains(argument)) << argument;
     EXPECT_TRUE(programUsage().ends_with('\n'));
 }

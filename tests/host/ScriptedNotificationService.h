@@ -17,6 +17,7 @@ public:
     TestBus(const TestBus&) = delete;
     TestBus& operator=(const TestBus&) = delete;
 
+    [[nodiscard]] std::string address() const { return g_test_dbus_get_bus_address(m_bus.get()); }
     [[nodiscard]] GObjectPtr<GDBusConnection> connect() const;
 
 private:

@@ -26,7 +26,9 @@ TYPED_TEST_P(UserDefaultsContract, KeepsEveryValueExactlyAndOfItsKindToTheNextSt
     const DefaultsValue values[] = { true, false, std::int64_t { 0 }, std::int64_t { 1 }, std::int64_t { -1 }, least,
         greatest, (std::int64_t { 1 } << 53) + 1, 0.0, 1.0, -2.5, 0.1, 1e300, std::numeric_limits<double>::denorm_min(),
         std::string(), std::string("text"), std::string("1"), std::string("true"), std::string("Grüße \"→\" \n\\ 🛡"),
-        std::string("a\0b", 3), Integers {}, Integers { 1 }, Integers { greatest, least, 0, 0 } };
+        std::string("a\0b", 3), Integers {}, Integers { 1 }, Integers { greatest, least, 0, 0 }, DefaultsDate { 0 },
+        DefaultsDate { 1795262400 }, DefaultsDate { 1795262400.123 }, DefaultsDate { -0.001 },
+        DefaultsDate { -62135596800 } };
     for (const auto& value : values) {
         this->m_bench.defaults().set("key", value);
         EXPECT_EQ(this->m_bench.defaults().get("key"), value) << "alternative " << value.index();
@@ -64,7 +66,20 @@ TYPED_TEST_P(UserDefaultsContract, ARemovedKeyStaysAwayAndLeavesTheOthers)
     EXPECT_EQ(this->m_bench.defaults().get("kept"), DefaultsValue(true));
 }
 
+TYPED_TEST_P(UserDefaultsContract, ThePersistentDomainHoldsWhatWasStoredAndNotRemoved)
+{
+    auto& defaults = this->m_bench.defaults();
+    EXPECT_EQ(defaults.persistent("key"), StoredDefault());
+    for (const auto& value : { DefaultsValue(false), DefaultsValue(DefaultsDate { 1.5 }), DefaultsValue("text") }) {
+        defaults.set("key", value);
+        EXPECT_EQ(defaults.persistent("key"), (StoredDefault { true, value })) << "alternative " << value.index();
+    }
+    defaults.remove("key");
+    EXPECT_EQ(defaults.persistent("key"), StoredDefault());
+}
+
 REGISTER_TYPED_TEST_SUITE_P(UserDefaultsContract, KeepsEveryValueExactlyAndOfItsKindToTheNextStart,
-    KeysAreTakenAsTheyStand, AbsentKeysHaveNoValueAndMayBeRemoved, ARemovedKeyStaysAwayAndLeavesTheOthers);
+    KeysAreTakenAsTheyStand, AbsentKeysHaveNoValueAndMayBeRemoved, ARemovedKeyStaysAwayAndLeavesTheOthers,
+    ThePersistentDomainHoldsWhatWasStoredAndNotRemoved);
 
 }

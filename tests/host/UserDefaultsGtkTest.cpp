@@ -27,6 +27,8 @@ public:
     [[nodiscard]] fs::path file() const { return folder() / "settings.json"; }
     [[nodiscard]] const std::vector<std::string>& logLines() const { return m_log.lines; }
 
+    [[nodiscard]] nlohmann::json document() const { return nlohmann::json::parse(read(file()), nullptr, false); }
+
     void writeFile(std::string_view contents) const
     {
         fs::create_directories(folder());
@@ -128,7 +130,8 @@ TEST_F(UserDefaultsGtkTest, AWriteThatFailsKeepsTheValueAndIsMadeUpForByTheNextO
 
 TEST_F(UserDefaultsGtkTest, WhatJsonCannotHoldLastsForTheProcessAndLeavesTheRestStorable)
 {
-    const DefaultsValue values[] = { std::string("\xFF"), std::numeric_limits<double>::infinity() };
+    const DefaultsValue values[]
+        = { std::string("\xFF"), std::numeric_limits<double>::infinity(), DefaultsDate { 1e12 } };
     for (const auto& value : values) {
         m_bench.defaults().set("odd", std::int64_t { 5 });
         m_bench.defaults().set("odd", value);
@@ -152,17 +155,91 @@ TEST_F(UserDefaultsGtkTest, AStorableValueTakesThePlaceOfAnUnstorableOne)
 
 TEST_F(UserDefaultsGtkTest, ValuesOfOtherShapesReadAsNothingAndAreKeptInTheFile)
 {
-    const std::string shapes[] = { "null", "{\"a\":1}", "[1,\"x\"]", "[1.5]", "[true]", "[[1]]", "18446744073709551615",
-        "9223372036854775808" };
+    const std::string shapes[]
+        = { "null", "{\"a\":1}", "[1,\"x\"]", "[1.5]", "[true]", "[[1]]", "18446744073709551615", "9223372036854775808",
+              R"({"date":1})", R"({"date":"2026-11-21"})", R"({"date":"2026-11-21T12:00:00.000Z","a":1})",
+              R"({"Date":"2026-11-21T12:00:00.000Z"})", R"({"date":"2026-02-30T12:00:00.000Z"})", "{}" };
     for (const auto& shape : shapes) {
         m_bench.writeFile("{\"foreign\":" + shape + "}");
         m_bench.startAnew();
         EXPECT_EQ(m_bench.defaults().get("foreign"), std::nullopt) << shape;
+        EXPECT_EQ(m_bench.defaults().persistent("foreign"), (StoredDefault { true, std::nullopt })) << shape;
         m_bench.defaults().set("own", true);
         const auto stored = nlohmann::json::parse(m_bench.read(m_bench.file()));
         EXPECT_EQ(stored["foreign"], nlohmann::json::parse(shape)) << shape;
     }
     EXPECT_TRUE(m_bench.logLines().empty());
+}
+
+TEST_F(UserDefaultsGtkTest, ADateIsStoredAsAnObjectInUtcWithMilliseconds)
+{
+    m_bench.defaults().set("key", DefaultsDate { 1795262400.0004 });
+    EXPECT_EQ(m_bench.document(), nlohmann::json::parse(R"({"key": {"date": "2026-11-21T12:00:00.000Z"}})"));
+    EXPECT_EQ(m_bench.defaults().get("key"), DefaultsValue(DefaultsDate { 1795262400 }));
+    const auto before = statusOf(m_bench.file()).st_ino;
+    m_bench.defaults().set("key", DefaultsDate { 1795262400.0004 });
+    EXPECT_EQ(statusOf(m_bench.file()).st_ino, before);
+}
+
+TEST_F(UserDefaultsGtkTest, WhatAnotherProcessStoresIsSeenAndKept)
+{
+    m_bench.defaults().set("own", std::int64_t { 1 });
+    m_bench.defaults().set("both", std::int64_t { 1 });
+    m_bench.writeFile(R"({"own": 1, "both": 2, "theirs": true})");
+    EXPECT_EQ(m_bench.defaults().persistent("theirs"), (StoredDefault { true, true }));
+    EXPECT_EQ(m_bench.defaults().persistent("both"), (StoredDefault { true, std::int64_t { 2 } }));
+
+    m_bench.defaults().set("own", std::int64_t { 5 });
+    EXPECT_EQ(m_bench.document(), nlohmann::json::parse(R"({"own": 5, "both": 2, "theirs": true})"));
+
+    m_bench.writeFile(R"({"both": 3, "theirs": false})");
+    m_bench.defaults().remove("both");
+    EXPECT_EQ(m_bench.document(), nlohmann::json::parse(R"({"theirs": false})")) << "what they removed stays away";
+    EXPECT_EQ(m_bench.defaults().get("own"), std::nullopt);
+
+    m_bench.writeFile(R"({"both": 4, "theirs": true})");
+    m_bench.defaults().remove("both");
+    EXPECT_EQ(m_bench.document(), nlohmann::json::parse(R"({"theirs": true})")) << "a key that only they know";
+}
+
+TEST_F(UserDefaultsGtkTest, AValueThatAnotherProcessHasChangedIsStoredAgain)
+{
+    m_bench.defaults().set("key", true);
+    m_bench.writeFile(R"({"key": false})");
+    m_bench.defaults().set("key", true);
+    EXPECT_EQ(m_bench.defaults().persistent("key"), (StoredDefault { true, true }));
+    fs::remove(m_bench.file());
+    m_bench.defaults().set("key", true);
+    EXPECT_EQ(m_bench.defaults().persistent("key"), (StoredDefault { true, true }));
+}
+
+TEST_F(UserDefaultsGtkTest, AFileDamagedMeanwhileIsMovedAsideAndWhatIsKnownStoredAnew)
+{
+    m_bench.defaults().set("first", true);
+    m_bench.defaults().set("second", true);
+    m_bench.writeFile("{");
+    EXPECT_EQ(m_bench.defaults().persistent("first"), StoredDefault());
+    EXPECT_EQ(m_bench.read(m_bench.file()), "{") << "looking changes nothing";
+    m_bench.defaults().set("first", true);
+    EXPECT_EQ(m_bench.document(), nlohmann::json::parse(R"({"first": true, "second": true})"));
+    EXPECT_EQ(m_bench.read(m_bench.file().string() + ".damaged-1"), "{");
+}
+
+TEST_F(UserDefaultsGtkTest, ARemovalThatCouldNotBeWrittenIsMadeUpForByTheNextChange)
+{
+    m_bench.defaults().set("removed", true);
+    m_bench.defaults().set("kept", true);
+    const auto away = m_bench.folder().string() + "-away";
+    fs::rename(m_bench.folder(), away);
+    std::ofstream(m_bench.folder()) << "a file where the folder should be";
+    m_bench.defaults().set("removed", false);
+    m_bench.defaults().remove("removed");
+    EXPECT_EQ(m_bench.defaults().get("removed"), std::nullopt);
+
+    fs::remove(m_bench.folder());
+    fs::rename(away, m_bench.folder());
+    m_bench.defaults().set("other", true);
+    EXPECT_EQ(m_bench.document(), nlohmann::json::parse(R"({"kept": true, "other": true})"));
 }
 
 }

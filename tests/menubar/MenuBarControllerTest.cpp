@@ -21,8 +21,10 @@ constexpr int blockingTag = 100;
 class RecordingConsumer final : public StatusConsumer {
 public:
     void consume(const std::shared_ptr<const BlockingStatus>& status) override { seen.push_back(status); }
+    void serviceFailed() override { ++failures; }
 
     std::vector<std::shared_ptr<const BlockingStatus>> seen;
+    int failures { 0 };
 };
 
 enum class Page { present, absent };

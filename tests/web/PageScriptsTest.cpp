@@ -52,6 +52,12 @@ TEST(JsonWriter, WhatIsWrittenReadsBackAsTheSameText)
     }
 }
 
+TEST(JsonWriter, AWholeValueHasNoLineThatJavaScriptWouldEnd)
+{
+    EXPECT_EQ(json::scriptText(Json { { "b\u2028", { "x\u2029y–\xE2\x80", nullptr } }, { "a", 1 } }),
+        "{\"a\":1,\"b\\u2028\":[\"x\\u2029y–\uFFFD\",null]}");
+}
+
 TEST(JsonWriter, NumbersAreShortAndExact)
 {
     for (const auto& [number, expected] :

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <AppKit/Application.h>
+#include <AppKit/Images.h>
 #include <AppKit/Menus.h>
+#include <AppKit/Panels.h>
+#include <AppKit/Views.h>
 #include <AppKit/Windows.h>
 #include <AppKit/Workspace.h>

@@ -14,6 +14,7 @@ extern NSRunLoopMode const NSModalPanelRunLoopMode;
 
 // Documentation: NSModalResponse; macOS 10.9.
 typedef NSInteger NSModalResponse;
+static const NSModalResponse NSModalResponseOK = 1;
 static const NSModalResponse NSModalResponseAbort = -1001;
 
 // Documentation: NSApplicationTerminateReply; macOS 10.0.
@@ -34,6 +35,8 @@ typedef NS_ENUM(NSInteger, NSApplicationActivationPolicy) {
 @optional
 - (void)applicationWillFinishLaunching:(NSNotification*)notification;
 - (void)applicationDidFinishLaunching:(NSNotification*)notification;
+- (void)application:(NSApplication*)application openURLs:(NSArray<NSURL*>*)urls; // macOS 10.13
+- (void)applicationDidBecomeActive:(NSNotification*)notification;
 - (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender;
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasVisibleWindows;
 - (void)applicationWillTerminate:(NSNotification*)notification;

@@ -1,7 +1,8 @@
 // Declarations for checking the Mac host without a Mac; see docs/mac-check.md. Not part of any build.
 #pragma once
 
-#include <AppKit/Windows.h>
+#include <AppKit/Images.h>
+#include <AppKit/Views.h>
 
 NS_ASSUME_NONNULL_BEGIN
 
@@ -37,14 +38,6 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
 - (void)insertItem:(NSMenuItem*)item atIndex:(NSInteger)index;
 - (void)removeItemAtIndex:(NSInteger)index;
 - (nullable NSMenuItem*)itemAtIndex:(NSInteger)index;
-@end
-
-// Documentation: NSImage; macOS 10.0.
-typedef NSString* NSImageName;
-@interface NSImage : NSObject
-+ (nullable NSImage*)imageNamed:(NSImageName)name;
-- (void)setTemplate:(BOOL)isTemplate; // macOS 10.5
-@property (nullable, copy) NSString* accessibilityDescription; // macOS 10.6
 @end
 
 // Documentation: NSStatusBarButton; macOS 10.10. What it inherits from NSButton and NSView is declared with those.

@@ -1,53 +1,9 @@
 // Declarations for checking the Mac host without a Mac; see docs/mac-check.md. Not part of any build.
 #pragma once
 
-#include <AppKit/Application.h>
+#include <AppKit/Views.h>
 
 NS_ASSUME_NONNULL_BEGIN
-
-@class NSImage;
-
-// Documentation: CGRect; macOS 10.0. NSRect is the same type.
-typedef double CGFloat;
-typedef struct {
-    CGFloat x;
-    CGFloat y;
-} CGPoint;
-typedef struct {
-    CGFloat width;
-    CGFloat height;
-} CGSize;
-typedef struct {
-    CGPoint origin;
-    CGSize size;
-} CGRect;
-typedef CGRect NSRect;
-
-// Documentation: NSView; macOS 10.0.
-@interface NSView : NSResponder
-@property (nullable, copy) NSString* toolTip;
-@end
-
-// Documentation: NSButton; macOS 10.0.
-@interface NSButton : NSView
-@property (copy) NSString* title;
-@property (copy) NSString* keyEquivalent;
-@property (nullable, strong) NSImage* image;
-@end
-
-// Documentation: NSTextField; macOS 10.0.
-@interface NSTextField : NSView
-+ (instancetype)labelWithString:(NSString*)text; // macOS 10.12
-@end
-
-// Documentation: NSText; macOS 10.0. Text views answer these menu actions.
-@interface NSText : NSView
-- (void)cut:(nullable id)sender;
-- (void)copy:(nullable id)sender;
-- (void)paste:(nullable id)sender;
-- (void)delete:(nullable id)sender;
-- (void)selectAll:(nullable id)sender;
-@end
 
 // Documentation: NSWindowStyleMask; macOS 10.12.
 typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
@@ -78,6 +34,7 @@ typedef NSString* NSWindowFrameAutosaveName;
 @property (nullable, weak) id<NSWindowDelegate> delegate;
 @property (copy) NSString* title;
 @property (nullable, strong) NSView* contentView;
+@property (readonly) NSRect contentLayoutRect; // macOS 10.10
 @property (getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property (readonly, getter=isVisible) BOOL visible;
 @property (readonly, getter=isMiniaturized) BOOL miniaturized;

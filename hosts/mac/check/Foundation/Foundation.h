@@ -12,6 +12,9 @@ typedef double NSTimeInterval;
 
 @class NSString;
 
+// Documentation: CFBridgingRetain; macOS 10.7. The caller releases the result with CFRelease.
+extern "C" CFTypeRef _Nullable CFBridgingRetain(id _Nullable object) __attribute__((cf_returns_retained));
+
 // Documentation: NSObject (protocol); macOS 10.0.
 @protocol NSObject
 - (BOOL)isKindOfClass:(Class)aClass;
@@ -44,12 +47,17 @@ __attribute__((objc_root_class))
 - (instancetype)init NS_DESIGNATED_INITIALIZER;
 @end
 
+// Documentation: NSCoder; macOS 10.0.
+@interface NSCoder : NSObject
+@end
+
 // Documentation: NSStringEncoding; macOS 10.0.
 typedef NSUInteger NSStringEncoding;
 enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 5 };
 
 // Documentation: NSData; macOS 10.0.
 @interface NSData : NSObject
++ (instancetype)dataWithBytes:(nullable const void*)bytes length:(NSUInteger)length;
 @property (readonly) NSUInteger length;
 @property (readonly) const void* bytes NS_RETURNS_INNER_POINTER;
 @end
@@ -60,6 +68,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSStringEncoding)encoding;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding;
 - (BOOL)hasSuffix:(NSString*)suffix;
+@property (readonly, copy) NSString* lowercaseString;
 @property (readonly, getter=isAbsolutePath) BOOL absolutePath;
 @end
 
@@ -79,6 +88,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 // Documentation: NSArray; macOS 10.0.
 @interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
 + (instancetype)array;
++ (instancetype)arrayWithObject:(ObjectType)object;
 @property (nullable, nonatomic, readonly) ObjectType lastObject;
 @end
 
@@ -87,8 +97,20 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 - (void)addObject:(ObjectType)object;
 @end
 
+// Documentation: NSDictionary; macOS 10.0.
+@interface NSDictionary<__covariant KeyType, __covariant ObjectType> : NSObject <NSFastEnumeration>
++ (instancetype)dictionary;
+- (nullable ObjectType)objectForKey:(KeyType)key;
+@end
+
+// Documentation: NSErrorDomain; macOS 10.0.
+typedef NSString* NSErrorDomain;
+extern NSErrorDomain const NSURLErrorDomain;
+
 // Documentation: NSError; macOS 10.2.
 @interface NSError : NSObject
+@property (readonly, copy) NSErrorDomain domain;
+@property (readonly) NSInteger code;
 @property (readonly, copy) NSString* localizedDescription;
 @end
 
@@ -96,16 +118,106 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 @interface NSNotification : NSObject
 @end
 
+// Documentation: NSNotificationName; macOS 10.0.
+typedef NSString* NSNotificationName;
+
+// Documentation: NSNotificationCenter; macOS 10.0.
+@interface NSNotificationCenter : NSObject
+- (void)addObserver:(id)observer
+           selector:(SEL)selector
+               name:(nullable NSNotificationName)name
+             object:(nullable id)object;
+- (void)removeObserver:(id)observer name:(nullable NSNotificationName)name object:(nullable id)object;
+@end
+
 // Documentation: NSURL; macOS 10.0.
 @interface NSURL : NSObject
 + (nullable instancetype)URLWithString:(NSString*)text;
 + (NSURL*)fileURLWithPath:(NSString*)path isDirectory:(BOOL)isDirectory; // macOS 10.5
++ (NSURL*)fileURLWithPath:(NSString*)path;
+@property (nullable, readonly, copy) NSString* absoluteString;
+@property (nullable, readonly, copy) NSURL* absoluteURL;
 @property (nullable, readonly, copy) NSString* scheme;
+@property (nullable, readonly, copy) NSString* user;
+@property (nullable, readonly, copy) NSString* password;
+@property (nullable, readonly, copy) NSString* host;
+@property (nullable, readonly, copy) NSNumber* port;
+@property (nullable, readonly, copy) NSString* path;
+@end
+
+// Documentation: NSURLRequestCachePolicy; macOS 10.2.
+typedef NS_ENUM(NSUInteger, NSURLRequestCachePolicy) { NSURLRequestUseProtocolCachePolicy = 0 };
+
+// Documentation: NSURLRequest; macOS 10.2.
+@interface NSURLRequest : NSObject
++ (instancetype)requestWithURL:(NSURL*)url
+                   cachePolicy:(NSURLRequestCachePolicy)cachePolicy
+               timeoutInterval:(NSTimeInterval)timeoutInterval;
+@property (nullable, readonly, copy) NSURL* URL;
+@end
+
+// Documentation: NSURLResponse; macOS 10.2.
+@interface NSURLResponse : NSObject
+@end
+
+// Documentation: NSHTTPURLResponse; macOS 10.2.
+@interface NSHTTPURLResponse : NSURLResponse
+@property (readonly) NSInteger statusCode;
+@end
+
+// Documentation: NSJSONReadingOptions; macOS 10.7.
+typedef NS_OPTIONS(NSUInteger, NSJSONReadingOptions) { NSJSONReadingFragmentsAllowed = 1UL << 2 };
+
+// Documentation: NSJSONWritingOptions; macOS 10.7; NSJSONWritingFragmentsAllowed macOS 10.15.
+typedef NS_OPTIONS(NSUInteger, NSJSONWritingOptions) { NSJSONWritingFragmentsAllowed = 1UL << 2 };
+
+// Documentation: NSJSONSerialization; macOS 10.7.
+@interface NSJSONSerialization : NSObject
++ (BOOL)isValidJSONObject:(id)object;
++ (nullable NSData*)dataWithJSONObject:(id)object
+                               options:(NSJSONWritingOptions)options
+                                 error:(NSError* _Nullable __autoreleasing* _Nullable)error;
++ (nullable id)JSONObjectWithData:(NSData*)data
+                          options:(NSJSONReadingOptions)options
+                            error:(NSError* _Nullable __autoreleasing* _Nullable)error;
+@end
+
+// Documentation: NSUUID; macOS 10.8.
+@interface NSUUID : NSObject
++ (instancetype)UUID;
+@property (readonly, copy) NSString* UUIDString;
+@end
+
+// Documentation: NSHost; macOS 10.0.
+@interface NSHost : NSObject
++ (instancetype)currentHost;
+@property (nullable, readonly, copy) NSString* localizedName; // macOS 10.6
+@end
+
+// Documentation: AEEventClass, AEEventID and AEKeyword; macOS 10.0.
+typedef unsigned int AEEventClass;
+typedef unsigned int AEEventID;
+typedef unsigned int AEKeyword;
+
+// Documentation: NSAppleEventDescriptor; macOS 10.0.
+@interface NSAppleEventDescriptor : NSObject
+- (nullable NSAppleEventDescriptor*)paramDescriptorForKeyword:(AEKeyword)keyword;
+@property (nullable, readonly, copy) NSString* stringValue;
+@end
+
+// Documentation: NSAppleEventManager; macOS 10.0.
+@interface NSAppleEventManager : NSObject
++ (NSAppleEventManager*)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)handleEventSelector
+          forEventClass:(AEEventClass)eventClass
+             andEventID:(AEEventID)eventID;
 @end
 
 // Documentation: NSDate; macOS 10.0.
 @interface NSDate : NSObject
 + (instancetype)date;
++ (instancetype)dateWithTimeIntervalSince1970:(NSTimeInterval)seconds;
 @property (readonly) NSTimeInterval timeIntervalSince1970;
 @end
 
@@ -113,6 +225,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 @interface NSProcessInfo : NSObject
 @property (class, readonly, strong) NSProcessInfo* processInfo;
 @property (readonly) NSTimeInterval systemUptime; // macOS 10.6
+@property (readonly, copy) NSString* hostName;
 @end
 
 // Documentation: NSThread; macOS 10.0.
@@ -144,18 +257,22 @@ extern NSRunLoopMode const NSDefaultRunLoopMode;
 - (nullable id)objectForKey:(NSString*)key;
 - (void)setObject:(nullable id)object forKey:(NSString*)key;
 - (void)removeObjectForKey:(NSString*)key;
+- (nullable NSDictionary<NSString*, id>*)persistentDomainForName:(NSString*)domainName;
 @end
 
 // Documentation: NSFileManager; macOS 10.0.
 @interface NSFileManager : NSObject
 @property (class, readonly, strong) NSFileManager* defaultManager;
 - (BOOL)fileExistsAtPath:(NSString*)path isDirectory:(nullable BOOL*)isDirectory;
+- (BOOL)fileExistsAtPath:(NSString*)path;
 @end
 
 // Documentation: NSBundle; macOS 10.0.
 @interface NSBundle : NSObject
 @property (class, readonly, strong) NSBundle* mainBundle;
++ (nullable instancetype)bundleWithPath:(NSString*)path;
 @property (readonly, copy) NSString* bundlePath;
+@property (nullable, readonly, copy) NSDictionary<NSString*, id>* infoDictionary;
 @property (nullable, readonly, copy) NSString* bundleIdentifier;
 @property (nullable, readonly, copy) NSString* executablePath;
 - (nullable id)objectForInfoDictionaryKey:(NSString*)key;

@@ -13,6 +13,19 @@ typedef NS_OPTIONS(NSUInteger, UNAuthorizationOptions) {
     UNAuthorizationOptionAlert = 1 << 2
 };
 
+// Documentation: UNAuthorizationStatus; macOS 10.14. Ephemeral, the fifth, is not for the Mac.
+typedef NS_ENUM(NSInteger, UNAuthorizationStatus) {
+    UNAuthorizationStatusNotDetermined = 0,
+    UNAuthorizationStatusDenied = 1,
+    UNAuthorizationStatusAuthorized = 2,
+    UNAuthorizationStatusProvisional = 3
+};
+
+// Documentation: UNNotificationSettings; macOS 10.14.
+@interface UNNotificationSettings : NSObject
+@property (nonatomic, readonly) UNAuthorizationStatus authorizationStatus;
+@end
+
 // Documentation: UNNotificationPresentationOptions; macOS 10.14; Banner and List macOS 11.0.
 typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
     UNNotificationPresentationOptionSound = 1 << 1,
@@ -65,6 +78,7 @@ typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
 @property (nullable, weak) id<UNUserNotificationCenterDelegate> delegate;
 - (void)requestAuthorizationWithOptions:(UNAuthorizationOptions)options
                       completionHandler:(void (^)(BOOL granted, NSError* _Nullable error))completionHandler;
+- (void)getNotificationSettingsWithCompletionHandler:(void (^)(UNNotificationSettings* settings))completionHandler;
 - (void)addNotificationRequest:(UNNotificationRequest*)request
          withCompletionHandler:(nullable void (^)(NSError* _Nullable error))completionHandler;
 - (void)removeDeliveredNotificationsWithIdentifiers:(NSArray<NSString*>*)identifiers;

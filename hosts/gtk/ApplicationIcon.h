@@ -1,0 +1,15 @@
+#pragma once
+
+#include <expected>
+#include <filesystem>
+#include <gtkmm.h>
+#include <string>
+
+namespace brevanta {
+
+// The application's picture, brevanta.svg in `resources`, `size` logical pixels wide and high and sharp on a screen of
+// this scale. The error is a message for the log.
+[[nodiscard]] std::expected<Glib::RefPtr<Gdk::Pixbuf>, std::string> applicationIcon(
+    const std::filesystem::path& resources, int size, int scale);
+
+}

@@ -1,0 +1,103 @@
+#include "install/RemovalShell.h"
+
+#include <nlohmann/json.hpp>
+
+namespace brevanta {
+
+namespace {
+
+const char* textOf(RemovalSnapshot::State state)
+{
+    switch (state) {
+    case RemovalSnapshot::State::none:
+        return "none";
+    case RemovalSnapshot::State::pending:
+        return "pending";
+    case RemovalSnapshot::State::committed:
+        return "committed";
+    case RemovalSnapshot::State::finishing:
+        break;
+    }
+    return "finishing";
+}
+
+template <typename Value> Json orNull(const std::optional<Value>& value) { return value ? Json(*value) : Json(); }
+
+}
+
+RemovalShell::Change RemovalShell::statusArrived(const RemovalStatusField& removal)
+{
+    const auto before = *this;
+    m_statusAvailable = true;
+    if (removal.snapshot && isNews(*removal.snapshot))
+        accept(*removal.snapshot);
+    return *this == before ? Change::none : Change::changed;
+}
+
+RemovalShell::Change RemovalShell::statusFailed()
+{
+    const auto before = *this;
+    m_statusAvailable = false;
+    if (m_sawCommit) {
+        m_daemonGone = true;
+        m_daemonReplied = false;
+    }
+    return *this == before ? Change::none : Change::changed;
+}
+
+bool RemovalShell::isNews(const RemovalSnapshot& snapshot) const
+{
+    if (!m_fence)
+        return true;
+    if (m_fence->launch == snapshot.launch)
+        return snapshot.seq > m_fence->seq;
+    return snapshot.launchOrder > m_fence->launchOrder;
+}
+
+void RemovalShell::accept(const RemovalSnapshot& snapshot)
+{
+    // Within one launch its order stands as it was first given.
+    const bool sameLaunch = m_fence && m_fence->launch == snapshot.launch;
+    m_fence = Fence { snapshot.launch, sameLaunch ? m_fence->launchOrder : snapshot.launchOrder, snapshot.seq };
+    m_snapshot = snapshot;
+    m_daemonReplied = true;
+    m_daemonGone = false;
+    if (snapshot.state == RemovalSnapshot::State::committed || snapshot.state == RemovalSnapshot::State::finishing)
+        m_sawCommit = true;
+}
+
+bool RemovalShell::isFinishing() const
+{
+    return m_daemonReplied && m_snapshot.state == RemovalSnapshot::State::finishing;
+}
+
+std::string RemovalShell::stateText() const
+{
+    if (m_daemonGone && m_sawCommit)
+        return "removed";
+    if (m_daemonReplied && m_statusAvailable)
+        return textOf(m_snapshot.state);
+    return "unavailable";
+}
+
+Json RemovalShell::state(bool filterRemovable) const
+{
+    Json state = {
+        { "schema", 1 },
+        { "state", stateText() },
+        { "origin", orNull(m_snapshot.origin) },
+        { "expiresAt", orNull(m_snapshot.expiresAt) },
+        { "actionId", orNull(m_snapshot.actionId) },
+        { "queueError", orNull(m_snapshot.queueError) },
+        { "account", orNull(m_snapshot.account) },
+        { "requesting", m_snapshot.requesting },
+        { "filterRemovable", filterRemovable },
+    };
+    if (m_snapshot.finishingBy)
+        state["finishingBy"] = *m_snapshot.finishingBy;
+    if (isFinishing())
+        state["blockingOff"] = m_snapshot.blockingOff;
+    return state;
+}
+
+}

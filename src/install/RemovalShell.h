@@ -1,0 +1,54 @@
+#pragma once
+
+#include "base/Json.h"
+#include "daemon/RemovalSnapshot.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace brevanta {
+
+// How far the removal of the blocking service has come, as far as this client has heard. Records of one run of the
+// service count in the order of their `seq`, runs in the order of their launches; what comes late is dropped. A pure
+// value.
+class RemovalShell {
+public:
+    enum class Change { none, changed };
+
+    // The service answered a poll; with a record or, when it has none to give, without.
+    [[nodiscard]] Change statusArrived(const RemovalStatusField& removal);
+
+    // The service did not answer. After a commit that is the end of the removal.
+    [[nodiscard]] Change statusFailed();
+
+    // The service is about to go: it is handed nothing new, no sign-in token either.
+    [[nodiscard]] bool isFinishing() const;
+
+    // What the page is told: an object with "schema" 1. `filterRemovable`: whether the page may have the content filter
+    // removed.
+    [[nodiscard]] Json state(bool filterRemovable) const;
+
+    bool operator==(const RemovalShell&) const = default;
+
+private:
+    struct Fence {
+        std::string launch;
+        std::uint64_t launchOrder { 0 };
+        std::uint64_t seq { 0 };
+        bool operator==(const Fence&) const = default;
+    };
+
+    [[nodiscard]] bool isNews(const RemovalSnapshot& snapshot) const;
+    void accept(const RemovalSnapshot& snapshot);
+    [[nodiscard]] std::string stateText() const;
+
+    RemovalSnapshot m_snapshot; // The last one accepted.
+    bool m_statusAvailable { false }; // The last poll was answered.
+    bool m_daemonReplied { false }; // A record was accepted since the service was last found gone.
+    bool m_daemonGone { false };
+    bool m_sawCommit { false };
+    std::optional<Fence> m_fence; // The newest accepted so far.
+};
+
+}

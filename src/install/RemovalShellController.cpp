@@ -1,0 +1,59 @@
+#include "install/RemovalShellController.h"
+
+#include "daemon/BlockingStatus.h"
+#include "daemon/DaemonClient.h"
+#include "platform/SystemLog.h"
+
+namespace brevanta {
+
+namespace {
+
+constexpr std::int64_t actionLimit = std::int64_t { 1 } << 53;
+
+}
+
+RemovalShellController::RemovalShellController(DaemonClient& daemonClient, SystemLog& log)
+    : m_daemonClient(daemonClient)
+    , m_log(log)
+{
+}
+
+void RemovalShellController::consume(const std::shared_ptr<const BlockingStatus>& status)
+{
+    changed(m_shell.statusArrived(status->removal));
+}
+
+void RemovalShellController::serviceFailed() { changed(m_shell.statusFailed()); }
+
+void RemovalShellController::requestRemoval(const std::string& account)
+{
+    if (!isRemovalAccount(account))
+        return m_log.log("[Removal] request_uninstall ignored: no account");
+    send(QueueRemoval {}, account);
+}
+
+void RemovalShellController::cancelRemoval(std::int64_t actionId, const std::string& account)
+{
+    if (!isRemovalAccount(account) || actionId < 0 || actionId >= actionLimit)
+        return m_log.log("[Removal] cancel_uninstall ignored: no account or no action");
+    send(CancelRemoval { actionId }, account);
+}
+
+void RemovalShellController::send(const RemovalRequest& request, const std::string& account)
+{
+    m_daemonClient.requestRemoval(request, account, m_life.guard([this](const auto& answer) {
+        if (!answer)
+            return m_log.log("[Removal] the blocking service did not take the request: " + describe(answer.error()));
+        // A reply without a record is an empty one; the next status tells more.
+        if (!answer->launch.empty())
+            changed(m_shell.statusArrived({ *answer }));
+    }));
+}
+
+void RemovalShellController::changed(RemovalShell::Change change)
+{
+    if (change == RemovalShell::Change::changed && m_observer)
+        m_observer();
+}
+
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "base/LifeToken.h"
+#include "daemon/DaemonClient.h"
+#include "daemon/StatusConsumer.h"
+#include "install/RemovalShell.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace brevanta {
+
+class SystemLog;
+
+// Follows the removal of the blocking service through its status replies, and asks for it. Main thread only.
+class RemovalShellController final : public StatusConsumer {
+public:
+    RemovalShellController(DaemonClient& daemonClient, SystemLog& log);
+
+    void consume(const std::shared_ptr<const BlockingStatus>& status) override;
+    void serviceFailed() override;
+
+    // Both send one request; how it went shows in the state. `account` is 1 to 32 decimal digits, and the action is at
+    // least 0 and below 2^53; anything else is logged and not sent.
+    void requestRemoval(const std::string& account);
+    void cancelRemoval(std::int64_t actionId, const std::string& account);
+
+    [[nodiscard]] const RemovalShell& shell() const { return m_shell; }
+
+    // Called after every change. One observer.
+    void setObserver(std::function<void()> observer) { m_observer = std::move(observer); }
+
+private:
+    void send(const RemovalRequest& request, const std::string& account);
+    void changed(RemovalShell::Change change);
+
+    DaemonClient& m_daemonClient;
+    SystemLog& m_log;
+    RemovalShell m_shell;
+    std::function<void()> m_observer;
+    LifeToken m_life;
+};
+
+}

@@ -1,0 +1,136 @@
+#include "web/StateMessages.h"
+
+#include "daemon/DaemonClient.h"
+#include "install/RemovalShellController.h"
+#include "platform/SystemLog.h"
+#include "setup/DeviceSetup.h"
+#include "update/UpdaterControl.h"
+#include "web/BridgeTable.h"
+#include "web/PageDelivery.h"
+#include "web/PageScripts.h"
+
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace brevanta {
+
+namespace {
+
+constexpr std::uint64_t actionLimit = std::uint64_t { 1 } << 53U;
+
+// A number without a fraction, at least 0 and below 2^53. The engine writes whole numbers without a point.
+std::optional<std::int64_t> actionIdOf(const BridgeMessage& message)
+{
+    const auto found = message.body.find("actionId");
+    if (found == message.body.end() || !found->is_number_unsigned() || found->get<std::uint64_t>() >= actionLimit)
+        return std::nullopt;
+    return found->get<std::int64_t>();
+}
+
+}
+
+StateMessages::StateMessages(Dependencies dependencies)
+    : m_dependencies(std::move(dependencies))
+{
+}
+
+void StateMessages::addSetupAndUpdater(BridgeTable& table)
+{
+    table.addMatching([](const std::string& type) { return type.starts_with("setup_"); },
+        [this](const auto& message) { m_dependencies.deviceSetup.perform(message.type); });
+    table.addMatching([](const std::string& type) { return updaterCommand(type).has_value(); },
+        [this](const auto& message) { performUpdater(message); });
+}
+
+void StateMessages::addBlocking(BridgeTable& table)
+{
+    table.add("get_blocking_status", [this](const auto&) { deliverBlockingStatus(); });
+}
+
+void StateMessages::addSetupState(BridgeTable& table)
+{
+    table.add("get_device_setup_state", [this](const auto&) { deliverDeviceSetupState(Repeat::deliver); });
+}
+
+void StateMessages::addRemoval(BridgeTable& table)
+{
+    table.add("get_removal_state", [this](const auto&) { deliverRemovalState(Repeat::deliver); });
+    table.add("request_uninstall", [this](const auto& message) { requestUninstall(message); });
+    table.add("cancel_uninstall", [this](const auto& message) { cancelUninstall(message); });
+    table.add("remove_network_filter", [this](const auto&) {
+        m_dependencies.log.log(
+            "[WebViewBridge] remove_network_filter ignored: a blocking service is installed or there is no filter");
+    });
+}
+
+void StateMessages::removalChanged() { deliverRemovalState(Repeat::skip); }
+
+void StateMessages::deviceSetupChanged() { deliverDeviceSetupState(Repeat::skip); }
+
+void StateMessages::forgetDelivered()
+{
+    m_lastRemovalKey.clear();
+    m_lastDeviceSetupKey.clear();
+}
+
+void StateMessages::performUpdater(const BridgeMessage& message)
+{
+    if (const auto command = updaterCommand(message.type))
+        perform(*command, m_dependencies.updater);
+    deliverUpdaterState();
+}
+
+// Asks the service rather than telling what was true at the last poll. A page that asks again before the answer is
+// there gets the one answer.
+void StateMessages::deliverBlockingStatus()
+{
+    if (std::exchange(m_askingForStatus, true))
+        return;
+    m_dependencies.daemonClient.getStatus(std::nullopt, m_life.guard([this](const auto& status) {
+        m_askingForStatus = false;
+        if (status)
+            m_dependencies.delivery.deliver(PageScripts::blockingStatus(**status));
+        else
+            m_dependencies.log.log("[WebViewBridge] get_blocking_status: " + describe(status.error()));
+    }));
+}
+
+void StateMessages::deliverUpdaterState()
+{
+    m_dependencies.delivery.deliver(
+        PageScripts::updaterState(updaterState(m_dependencies.updater, m_dependencies.version)));
+}
+
+void StateMessages::deliverDeviceSetupState(Repeat repeat)
+{
+    deliverUnlessKnown(PageScripts::deviceSetupState(m_dependencies.deviceSetup.state()), m_lastDeviceSetupKey, repeat);
+}
+
+void StateMessages::deliverRemovalState(Repeat repeat)
+{
+    const auto state = m_dependencies.removal.shell().state(m_dependencies.deviceSetup.isFilterRemovable());
+    deliverUnlessKnown(PageScripts::removalState(state), m_lastRemovalKey, repeat);
+}
+
+void StateMessages::deliverUnlessKnown(const std::string& script, std::string& lastKey, Repeat repeat)
+{
+    if (repeat == Repeat::skip && lastKey == script)
+        return;
+    if (m_dependencies.delivery.deliver(script) == ScriptDelivery::handedOver)
+        lastKey = script;
+}
+
+void StateMessages::requestUninstall(const BridgeMessage& message)
+{
+    m_dependencies.removal.requestRemoval(message.text("account").value_or(""));
+}
+
+void StateMessages::cancelUninstall(const BridgeMessage& message)
+{
+    const auto actionId = actionIdOf(message);
+    if (!actionId)
+        return m_dependencies.log.log("[Removal] cancel_uninstall ignored: no account or no action");
+    m_dependencies.removal.cancelRemoval(*actionId, message.text("account").value_or(""));
+}
+
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "base/LifeToken.h"
+
+#include <string>
+
+namespace brevanta {
+
+class BridgeTable;
+class DaemonClient;
+class DeviceSetup;
+class PageDelivery;
+class RemovalShellController;
+class SystemLog;
+class UpdaterControl;
+struct BridgeMessage;
+
+// What the page asks about the state of the client's parts, and has them do: blocking, device setup, removal, updater.
+// Main thread only.
+class StateMessages {
+public:
+    struct Dependencies {
+        DaemonClient& daemonClient;
+        DeviceSetup& deviceSetup;
+        RemovalShellController& removal;
+        UpdaterControl* updater; // Null when updates are not configured.
+        PageDelivery& delivery;
+        SystemLog& log;
+        std::string version; // Of the application.
+    };
+
+    explicit StateMessages(Dependencies dependencies);
+
+    void addSetupAndUpdater(BridgeTable& table);
+    void addBlocking(BridgeTable& table);
+    void addSetupState(BridgeTable& table);
+    void addRemoval(BridgeTable& table);
+
+    // Tells the page when it has not been told this very state before.
+    void removalChanged();
+    void deviceSetupChanged();
+
+    // Another document knows nothing of what the one before was told.
+    void forgetDelivered();
+
+private:
+    enum class Repeat { skip, deliver };
+
+    void performUpdater(const BridgeMessage& message);
+    void deliverBlockingStatus();
+    void deliverUpdaterState();
+    void deliverUnlessKnown(const std::string& script, std::string& lastKey, Repeat repeat);
+    void deliverDeviceSetupState(Repeat repeat);
+    void deliverRemovalState(Repeat repeat);
+    void requestUninstall(const BridgeMessage& message);
+    void cancelUninstall(const BridgeMessage& message);
+
+    Dependencies m_dependencies;
+    std::string m_lastRemovalKey; // What the page was told last, as the next; empty when nothing.
+    std::string m_lastDeviceSetupKey;
+    bool m_askingForStatus { false };
+    LifeToken m_life;
+};
+
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "base/LifeToken.h"
+#include "platform/NotificationCenter.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace brevanta {
+
+class BridgeTable;
+class PageDelivery;
+class SystemLog;
+class UserDefaults;
+class Workspace;
+struct BridgeMessage;
+
+// What the page asks of the system around the client: the permission to notify, settings, the browser extension's
+// page, the language. Main thread only.
+class SystemMessages {
+public:
+    struct Dependencies {
+        NotificationCenter& notifications;
+        Workspace& workspace;
+        UserDefaults& defaults;
+        PageDelivery& delivery;
+        SystemLog& log;
+        std::string bundleIdentifier;
+        std::string extensionStoreUrl;
+    };
+
+    explicit SystemMessages(Dependencies dependencies);
+
+    void addNotificationsAndStore(BridgeTable& table);
+    void addLocalePreference(BridgeTable& table);
+
+    // The user may have been in the settings meanwhile: the page is told when the permission is another now.
+    void applicationDidBecomeActive();
+
+    // The user default that holds the language; absent while the system's is followed.
+    static constexpr auto languageKey = "brevantaAppLanguage";
+
+private:
+    enum class Repeat { skip, deliver };
+
+    void tellAuthorization(NotificationAuthorization authorization, Repeat repeat);
+    void openFirst(std::vector<std::string> urls);
+    void openExtensionStore();
+    void setLocalePreference(const BridgeMessage& message);
+
+    Dependencies m_dependencies;
+    std::optional<NotificationAuthorization> m_told;
+    LifeToken m_life;
+};
+
+}

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "base/LifeToken.h"
+#include "platform/WebView.h"
+#include "web/AccountMessages.h"
+#include "web/ApplicationPicker.h"
+#include "web/BridgeTable.h"
+#include "web/PageDelivery.h"
+#include "web/StateMessages.h"
+#include "web/SystemMessages.h"
+#include "web/TrustedOrigins.h"
+
+#include <functional>
+#include <string>
+
+namespace brevanta {
+
+class MainLoop;
+class ShellLoadCoordinator;
+
+// Between the page and the client: takes the page's messages, if they come from the main frame of a trusted origin, and
+// keeps the web view on the origins that it may show. Main thread only.
+class WebViewBridge final : public ScriptMessageHandler, public WebNavigationDelegate {
+public:
+    struct Dependencies {
+        MainLoop& mainLoop;
+        WebView& webView;
+        OpenPanel& openPanel;
+        Workspace& workspace;
+        UserDefaults& defaults;
+        NotificationCenter& notifications;
+        SystemLog& log;
+        DaemonClient& daemonClient;
+        DeviceSetup& deviceSetup;
+        RemovalShellController& removal;
+        UpdaterControl* updater; // Null when updates are not configured.
+        std::function<void()> bringWindowForward;
+        std::string applicationsFolder;
+        std::string version; // Of the application, as the next two.
+        std::string bundleIdentifier;
+        std::string extensionStoreUrl;
+    };
+
+    // The origins outlive the bridge.
+    WebViewBridge(const TrustedOrigins& origins, Dependencies dependencies);
+    ~WebViewBridge() override;
+    WebViewBridge(const WebViewBridge&) = delete;
+    WebViewBridge& operator=(const WebViewBridge&) = delete;
+
+    // Told of every navigation; null for none.
+    void setLoadObserver(ShellLoadCoordinator* observer) { m_loadObserver = observer; }
+
+    ScriptDelivery deliver(const std::string& script) { return m_delivery.deliver(script); }
+
+    void applicationDidBecomeActive() { m_systemMessages.applicationDidBecomeActive(); }
+
+    // A setup link waits for the page; it is told once now, and again after each page that has finished loading.
+    void navigationIsPending();
+
+    void messageArrived(const ScriptMessage& message) override;
+
+    [[nodiscard]] NavigationDecision decideAction(const NavigationAction& action) override;
+    [[nodiscard]] NavigationDecision decideResponse(const NavigationResponse& response) override;
+    void didStartProvisional(const WebNavigation& navigation) override;
+    void didCommit(const WebNavigation& navigation) override;
+    void didFinish(const WebNavigation& navigation) override;
+    void didFail(const WebNavigation& navigation, const WebError& error) override;
+    void contentProcessDidTerminate() override;
+
+    // Whether a setup link still waits; asked after each page that has finished loading.
+    void setPendingNavigation(std::function<bool()> isPending) { m_isNavigationPending = std::move(isPending); }
+
+private:
+    void buildTable();
+    void openOutside(const Url& url);
+    void requestOnboardingState();
+
+    const TrustedOrigins& m_origins;
+    Dependencies m_dependencies;
+    PageDelivery m_delivery;
+    AccountMessages m_accountMessages;
+    StateMessages m_stateMessages;
+    SystemMessages m_systemMessages;
+    ApplicationPicker m_applicationPicker;
+    BridgeTable m_table;
+    ShellLoadCoordinator* m_loadObserver { nullptr };
+    std::function<bool()> m_isNavigationPending;
+    LifeToken m_life;
+};
+
+}

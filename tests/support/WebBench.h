@@ -1,0 +1,141 @@
+#pragma once
+
+#include "daemon/DaemonClient.h"
+#include "fakes/FakeDaemonTransport.h"
+#include "fakes/FakeMainLoop.h"
+#include "fakes/FakePorts.h"
+#include "fakes/FakeWebView.h"
+#include "fakes/ManualExecutor.h"
+#include "install/RemovalShellController.h"
+#include "setup/DeviceSetup.h"
+#include "support/StatusReply.h"
+#include "update/UpdaterControl.h"
+#include "web/WebViewWindow.h"
+
+#include <memory>
+
+namespace brevanta {
+
+inline Url urlOf(const std::string& scheme, const std::string& host, const std::string& path = "/")
+{
+    return { .text = scheme + "://" + host + path, .scheme = scheme, .host = host, .path = path };
+}
+
+class FakeDeviceSetup final : public DeviceSetup {
+public:
+    SetupActionOutcome perform(std::string_view action) override
+    {
+        performed.emplace_back(action);
+        return SetupActionOutcome::taken;
+    }
+    [[nodiscard]] Json state() const override { return { { "schema", 1 } }; }
+    void pageChanged() override { ++pageChanges; }
+    [[nodiscard]] bool isFilterRemovable() const override { return false; }
+
+    std::vector<std::string> performed;
+    int pageChanges { 0 };
+};
+
+class FakeUpdater final : public UpdaterControl {
+public:
+    [[nodiscard]] bool automaticChecks() const override { return checks; }
+    void setAutomaticChecks(bool on) override { checks = on; }
+    void checkNow() override { ++checksNow; }
+
+    bool checks { false };
+    int checksNow { 0 };
+};
+
+// The web shell with an engine, a service and a desktop that do what the test says.
+class WebBench {
+public:
+    static constexpr auto appUrl = "https://www.example.com/app";
+    const std::string uuid = "6f9619ff-8b86-4011-b42d-00c04fc964ff";
+
+    void open(UpdaterControl* updater = nullptr)
+    {
+        window = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
+            .mainLoop = mainLoop,
+            .clock = clock,
+            .log = log,
+            .defaults = defaults,
+            .window = mainWindow,
+            .webView = webView,
+            .placeholder = placeholder,
+            .openPanel = openPanel,
+            .workspace = workspace,
+            .notifications = notifications,
+            .daemonClient = daemonClient,
+            .deviceSetup = deviceSetup,
+            .removal = removal,
+            .updater = updater,
+            .origins = TrustedOrigins({ "example.com", "www.example.com" }, { "login.example.org" }),
+            .activateApplication = [this] { ++activations; },
+            .newUuid = [this] { return uuid; },
+            .deviceName = "Ada's \"Mac\"",
+            .appUrl = appUrl,
+            .applicationsFolder = "/Applications",
+            .version = "0.121.0",
+            .bundleIdentifier = "com.brevanta.KestreluneMac",
+            .extensionStoreUrl = "https://store.example/extension",
+        });
+    }
+
+    // With the application's page in front, finished.
+    void openUsable(UpdaterControl* updater = nullptr)
+    {
+        open(updater);
+        window->loadCoordinator().prepare();
+        window->loadCoordinator().release("released");
+        webView.commit(urlOf("https", "www.example.com", "/app"));
+        webView.finish();
+        settle();
+        webView.scripts.clear();
+        log.lines.clear();
+    }
+
+    // What the page posts; from the main frame of the application's origin unless the test says otherwise.
+    void post(const Json& body, const FrameFacts& frame = { true, "https", "www.example.com" })
+    {
+        webView.configuration->messageHandlers.at(0).handler.messageArrived({ body.dump(), frame });
+        settle();
+    }
+
+    std::optional<std::string> ask(const Json& body, const FrameFacts& frame = { true, "https", "www.example.com" })
+    {
+        return webView.configuration->replyHandlers.at(0).handler.replyTo({ body.dump(), frame });
+    }
+
+    void settle()
+    {
+        do {
+            queue.runAll();
+            mainLoop.runPosted();
+        } while (queue.pending() > 0);
+    }
+
+    FakeClock clock;
+    FakeMainLoop mainLoop { clock };
+    ManualExecutor queue;
+    FakeSystemLog log;
+    FakeUserDefaults defaults;
+    FakeMainWindow mainWindow;
+    FakeWebView webView;
+    FakePlaceholder placeholder;
+    FakeOpenPanel openPanel { mainLoop };
+    FakeWorkspace workspace { mainLoop };
+    FakeNotificationCenter notifications { mainLoop };
+    std::vector<Json> requests; // To the service.
+    FakeDaemonTransport::Answer reply { statusReply().dump() };
+    DaemonClient daemonClient { std::make_unique<FakeDaemonTransport>([this](const Json& request) {
+                                   requests.push_back(request);
+                                   return reply;
+                               }),
+        queue, mainLoop };
+    FakeDeviceSetup deviceSetup;
+    RemovalShellController removal { daemonClient, log };
+    int activations { 0 };
+    std::unique_ptr<WebViewWindow> window;
+};
+
+}
