@@ -8,7 +8,6 @@ using functional::ChildProcess;
 using functional::Milliseconds;
 
 static constexpr Milliseconds patience { 10000 };
-static constexpr int screenWidth = 1280;
 
 Scene::Scene(const functional::VirtualDisplay& display, std::string outputDirectory)
     : m_display(display)
@@ -32,10 +31,16 @@ bool Scene::takePicture(const std::string& name) const
     return run({ "import", "-window", "root", m_outputDirectory + "/" + name + ".png" });
 }
 
+bool Scene::takePictureOf(const functional::MappedWindow& window, const std::string& name) const
+{
+    (void)m_display.awaitStillness(Milliseconds(2000));
+    return run({ "import", "-window", std::to_string(window.id), m_outputDirectory + "/" + name + ".png" });
+}
+
 bool Scene::openStatusMenu() const
 {
     const auto windowCount = m_display.windows().size();
-    const auto x = std::to_string(screenWidth - DesktopPanel::height / 2);
+    const auto x = std::to_string(functional::VirtualDisplay::width - DesktopPanel::height / 2);
     const auto y = std::to_string(DesktopPanel::height / 2);
     return run({ "xdotool", "mousemove", x, y, "click", "1" })
         && functional::awaitByAsking([&] { return m_display.windows().size() > windowCount; }, patience);

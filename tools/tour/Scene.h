@@ -11,6 +11,7 @@ public:
 
     // False when the picture could not be taken.
     [[nodiscard]] bool takePicture(const std::string& name) const;
+    [[nodiscard]] bool takePictureOf(const functional::MappedWindow& window, const std::string& name) const;
 
     // Opens the menu of the status item at the right end of the panel, and closes it again.
     [[nodiscard]] bool openStatusMenu() const;

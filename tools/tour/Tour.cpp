@@ -17,13 +17,14 @@ Tour::Tour(std::string outputDirectory, TourReport& report)
     , m_outputDirectory(std::move(outputDirectory))
     , m_bench({ .logPath = m_outputDirectory + "/client.log",
           .preparations = { "energy 24", "set low_lp_threshold 10", "set high_lp_threshold 40" },
-          .notificationTaker = functional::NotificationTaker::nobody })
+          .notificationTaker = functional::NotificationTaker::nobody,
+          .webPreparations = { "refuse" } })
 {
 }
 
 std::expected<void, std::string> Tour::play()
 {
-    m_report.tell("A display, a bus and the stand-in for the blocking service are started.");
+    m_report.tell("A display, a bus and the stand-ins for the blocking service and the web server are started.");
     if (auto started = m_bench.startSurroundings(); !started)
         return started;
     m_report.tell("A panel and a notification service are started on that display.");
@@ -37,16 +38,19 @@ std::expected<void, std::string> Tour::play()
     m_notifications = std::move(*notifications);
     m_scene = std::make_unique<Scene>(m_bench.display(), m_outputDirectory);
 
-    m_report.tell("The client starts, with 24 coins and nothing blocked.");
+    m_report.tell("The client starts, with 24 coins and nothing blocked, while the web server is away.");
     if (auto started = m_bench.startClient(); !started)
         return started;
     showWindow();
+    loadPage();
+    signIn();
     startAgain();
     workOnTask();
     runLow();
     runOut();
     loseService();
     regainService();
+    losePage();
     quit();
     return {};
 }
@@ -55,13 +59,52 @@ void Tour::showWindow()
 {
     seeDescription("Brevanta — not blocking");
     seeLine("Blocking: Inactive (24.00 Coins)");
-    m_report.tell("\"Open Brevanta\" is chosen in the menu.");
-    if (const auto clicked = m_bench.menu().click("Open Brevanta"); !clicked)
-        m_report.tell(clicked.error());
+    choose("Open Brevanta");
     const auto& display = m_bench.display();
     m_report.sees(display.awaitWindows(BrevantaClient::windowTitle, 1, patience), "the client's window");
     placeWindow();
+}
+
+void Tour::loadPage()
+{
+    seeLog("showPlaceholder(retrying)", "the client says that it cannot reach the application, and tries again");
+    takePictureOfWindow("shell-retrying");
+    m_report.tell("The web server comes back, slowly.");
+    tellWeb("delay 4000");
+    choose("Open Brevanta");
+    takePictureOfWindow("shell-loading");
+    tellWeb("behave");
+    seePage("window.demo !== undefined", "the web application");
+    seeLog("phase=usable", "the client counts the page as usable");
+}
+
+void Tour::signIn()
+{
+    m_report.tell("Ada signs in on the page.");
+    seePage("(document.getElementById('name').value = 'Ada', document.getElementById('sign-in').click(), true)",
+        "the button is pressed");
+    m_report.sees(m_bench.service().command("await set_auth_token 1").has_value(), "the service gets the token");
+    seeLog("auth_token bridge: daemon accepted token", "the service takes it");
+    tellService("list blocked_domains 6");
+    seePage("window.demo.events.some((e) => e.name === 'kestrelune_blocking_status' && e.detail.energy === 24)",
+        "the page shows the status that the poll pushes");
+    takePictureOfWindow("shell-usable");
     takePicture("1-window");
+}
+
+// What the user sees when the page is lost, and when it comes back.
+void Tour::losePage()
+{
+    m_report.tell("The page's process dies while the web server has a certificate that nobody trusts.");
+    tellWeb("certificate other");
+    m_report.sees(m_bench.client().killWebProcess(patience), "the process has gone");
+    seeLog("showPlaceholder(unreachable)", "the client says that the application cannot be reached");
+    takePictureOfWindow("shell-unreachable");
+    m_report.tell("The web server has its own certificate again.");
+    tellWeb("certificate own");
+    choose("Open Brevanta");
+    seePage("window.demo !== undefined && document.getElementById('account-name').textContent === 'Ada'",
+        "the page is back, and Ada is still signed in");
 }
 
 void Tour::startAgain()
@@ -151,9 +194,7 @@ void Tour::regainService()
 
 void Tour::quit()
 {
-    m_report.tell("\"Quit\" is chosen in the menu.");
-    if (const auto clicked = m_bench.menu().click("Quit"); !clicked)
-        m_report.tell(clicked.error());
+    choose("Quit");
     const auto status = m_bench.client().process().awaitExit(patience);
     m_report.sees(status == 0, "the client ends with status 0");
     const auto isGone
@@ -165,6 +206,29 @@ void Tour::tellService(const std::string& command)
 {
     if (const auto answer = m_bench.service().command(command); !answer)
         m_report.sees(false, "the stand-in service takes \"" + command + "\": " + answer.error());
+}
+
+void Tour::tellWeb(const std::string& command)
+{
+    if (const auto answer = m_bench.web().command(command); !answer)
+        m_report.sees(false, "the stand-in web server takes \"" + command + "\": " + answer.error());
+}
+
+void Tour::choose(const std::string& label)
+{
+    m_report.tell("\"" + label + "\" is chosen in the menu.");
+    if (const auto clicked = m_bench.menu().click(label); !clicked)
+        m_report.sees(false, clicked.error());
+}
+
+void Tour::seeLog(const std::string& text, const std::string& what)
+{
+    m_report.sees(m_bench.client().process().errors().awaitText(text, startUpPatience), what);
+}
+
+void Tour::seePage(const std::string& expression, const std::string& what)
+{
+    m_report.sees(m_bench.web().awaitTrue(expression, startUpPatience), what);
 }
 
 void Tour::seeDescription(const std::string& text)
@@ -198,6 +262,13 @@ void Tour::showMenu(const std::string& pictureName)
 void Tour::takePicture(const std::string& name)
 {
     m_report.sees(m_scene->takePicture(name), "the screen (picture " + name + ".png)");
+}
+
+void Tour::takePictureOfWindow(const std::string& name)
+{
+    const auto windows = m_bench.display().windowsTitled(BrevantaClient::windowTitle);
+    m_report.sees(
+        windows.size() == 1 && m_scene->takePictureOf(windows.front(), name), "the window (picture " + name + ".png)");
 }
 
 }

@@ -8,7 +8,7 @@
 
 namespace brevanta::tour {
 
-// Plays an afternoon with the client in a quarter of a minute and looks at what a user would see of it.
+// Plays an afternoon with the client in half a minute and looks at what a user would see of it.
 class Tour {
 public:
     Tour(std::string outputDirectory, TourReport&);
@@ -17,6 +17,9 @@ public:
     [[nodiscard]] std::expected<void, std::string> play();
 
 private:
+    void loadPage();
+    void signIn();
+    void losePage();
     void showWindow();
     void startAgain();
     void workOnTask();
@@ -34,6 +37,11 @@ private:
     // A picture of the screen with the status item's menu open, and the menu as text.
     void showMenu(const std::string& pictureName);
     void takePicture(const std::string& name);
+    void takePictureOfWindow(const std::string& name);
+    void tellWeb(const std::string& command);
+    void seeLog(const std::string& text, const std::string& what);
+    void seePage(const std::string& expression, const std::string& what);
+    void choose(const std::string& label);
 
     TourReport& m_report;
     std::string m_outputDirectory;
