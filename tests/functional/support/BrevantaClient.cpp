@@ -1,6 +1,8 @@
 #include "support/BrevantaClient.h"
 
+#include <csignal>
 #include <cstdlib>
+#include <fstream>
 
 namespace brevanta::functional {
 
@@ -18,6 +20,8 @@ std::string prodClientExecutable()
 }
 
 std::string serviceExecutable() { return pathFromEnvironment("BREVANTA_TEST_SERVICE", BREVANTA_BUILT_SERVICE); }
+
+std::string webExecutable() { return pathFromEnvironment("BREVANTA_TEST_WEB", BREVANTA_BUILT_WEB); }
 
 BrevantaClient::BrevantaClient(BrevantaClientOptions options)
     : m_options(std::move(options))
@@ -47,6 +51,26 @@ std::expected<std::string, std::string> BrevantaClient::installBundle()
     return (installed / "Contents" / "MacOS" / executable.filename()).string();
 }
 
+// What opens web pages for this home's user: keeps their URLs in a file.
+std::expected<void, std::string> BrevantaClient::installBrowser() const
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const auto home = m_directory.path() / "home";
+    const auto applications = home / ".local/share/applications";
+    fs::create_directories(applications, error);
+    const auto program = home / "browser";
+    std::ofstream(program) << "#!/bin/sh\nprintf '%s\\n' \"$1\" >> '" << openedUrlsFile().string() << "'\n";
+    fs::permissions(program, fs::perms::owner_all, error);
+    std::ofstream(applications / "browser.desktop")
+        << "[Desktop Entry]\nType=Application\nName=Browser\nExec=" << program.string()
+        << " %u\nMimeType=x-scheme-handler/https;x-scheme-handler/http;\n";
+    std::ofstream defaults(applications / "mimeapps.list");
+    defaults << "[Default Applications]\nx-scheme-handler/https=browser.desktop\n"
+                "x-scheme-handler/http=browser.desktop\n";
+    return defaults ? std::expected<void, std::string>() : std::unexpected("no browser could be installed");
+}
+
 std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startProcess(
     const std::vector<std::string>& arguments) const
 {
@@ -63,6 +87,10 @@ std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startP
     set("XDG_CACHE_HOME", directory + "/home/.cache");
     set("BREVANTA_ROOT", directory + "/root");
     set("BREVANTA_SOCKET", m_options.socketPath);
+    set("BREVANTA_APP_URL", m_options.appUrl);
+    set("BREVANTA_TLS_CERT", m_options.certificatePath);
+    set("BREVANTA_TRUSTED_HOSTS", m_options.trustedHosts);
+    set("BREVANTA_SIGN_IN_HOSTS", m_options.signInHosts);
     // Nothing that a test run could share with the user's own session or be slowed down by.
     set("NO_AT_BRIDGE", "1");
     set("GTK_A11Y", "none");
@@ -85,11 +113,34 @@ std::expected<void, std::string> BrevantaClient::start()
     if (!executable)
         return std::unexpected(executable.error());
     m_executable = *executable;
+    if (auto browser = installBrowser(); !browser)
+        return browser;
     auto process = startProcess(m_options.arguments);
     if (!process)
         return std::unexpected("the client cannot be started: " + process.error());
     m_process = std::move(*process);
     return {};
+}
+
+std::optional<pid_t> BrevantaClient::webProcess() const
+{
+    for (const auto id : m_process->groupMembers()) {
+        std::ifstream file("/proc/" + std::to_string(id) + "/comm"); // proc(5): the first 15 characters of the name.
+        std::string name;
+        std::getline(file, name);
+        if (name == "WebKitWebProces")
+            return id;
+    }
+    return std::nullopt;
+}
+
+bool BrevantaClient::killWebProcess(Milliseconds within)
+{
+    const auto id = webProcess();
+    if (!id)
+        return false;
+    ::kill(*id, SIGKILL);
+    return awaitByAsking([&] { return webProcess() != id; }, within);
 }
 
 }

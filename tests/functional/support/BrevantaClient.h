@@ -13,6 +13,10 @@ struct BrevantaClientOptions {
     std::string socketPath {};
     std::string logPath {}; // Where the log is kept besides; empty for nowhere.
     std::vector<std::string> arguments {};
+    std::string appUrl {}; // Of the web application.
+    std::string certificatePath {}; // Of its server.
+    std::string trustedHosts { "localhost" };
+    std::string signInHosts {};
 };
 
 // The client as a process, with a home, a runtime directory and a development root of its own.
@@ -28,12 +32,23 @@ public:
         const std::vector<std::string>& arguments) const;
 
     [[nodiscard]] std::expected<void, std::string> start();
+
+    // Where the client keeps what it stores, and the folder that stands for the machine's.
+    [[nodiscard]] std::filesystem::path root() const { return m_directory.path() / "root"; }
+
+    // The URLs that the client had opened by the user's browser, one in each line.
+    [[nodiscard]] std::filesystem::path openedUrlsFile() const { return m_directory.path() / "home" / "opened-urls"; }
+
     [[nodiscard]] ChildProcess& process() { return *m_process; }
+    // Kills the process in which the page lives, and waits until it has gone; false when there is none.
+    [[nodiscard]] bool killWebProcess(Milliseconds within);
     // What it has written to standard error; empty before it was started.
     [[nodiscard]] std::string log() const { return m_process ? m_process->errors().text() : std::string(); }
 
 private:
+    [[nodiscard]] std::optional<pid_t> webProcess() const;
     [[nodiscard]] std::expected<std::string, std::string> installBundle();
+    [[nodiscard]] std::expected<void, std::string> installBrowser() const;
 
     BrevantaClientOptions m_options;
     TemporaryDirectory m_directory;
@@ -42,9 +57,10 @@ private:
 };
 
 // Where the executables to be tested are: where this build put them, unless the environment names others
-// (BREVANTA_TEST_CLIENT, BREVANTA_TEST_PROD_CLIENT, BREVANTA_TEST_SERVICE).
+// (BREVANTA_TEST_CLIENT, BREVANTA_TEST_PROD_CLIENT, BREVANTA_TEST_SERVICE, BREVANTA_TEST_WEB).
 [[nodiscard]] std::string clientExecutable();
 [[nodiscard]] std::string prodClientExecutable();
 [[nodiscard]] std::string serviceExecutable();
+[[nodiscard]] std::string webExecutable();
 
 }

@@ -7,6 +7,7 @@ static constexpr Milliseconds startTime { 20000 };
 ClientBench::ClientBench(ClientBenchOptions options)
     : m_options(std::move(options))
     , m_service(serviceExecutable())
+    , m_web(webExecutable(), m_options.pagesFolder)
 {
 }
 
@@ -25,6 +26,12 @@ std::expected<void, std::string> ClientBench::startSurroundings()
         if (!notifications)
             return std::unexpected(notifications.error());
         m_notifications = std::move(*notifications);
+    }
+    if (auto started = m_web.start(); !started)
+        return started;
+    for (const auto& line : m_options.webPreparations) {
+        if (const auto answer = m_web.command(line); !answer)
+            return std::unexpected(answer.error());
     }
     m_menu = std::make_unique<DbusMenu>(*m_bus, BrevantaClient::busName);
     m_statusItem = std::make_unique<StatusNotifier>(*m_bus, BrevantaClient::busName);
@@ -47,6 +54,11 @@ std::expected<void, std::string> ClientBench::startClient()
         .display = m_display->name(),
         .socketPath = m_service.socketPath(),
         .logPath = m_options.logPath,
+        .arguments = m_options.arguments,
+        .appUrl = m_web.url() + m_options.startPage,
+        .certificatePath = m_web.certificatePath(),
+        .trustedHosts = m_options.trustedHosts,
+        .signInHosts = m_options.signInHosts,
     });
     if (auto started = m_client->start(); !started)
         return started;

@@ -3,6 +3,7 @@
 #include "support/BrevantaClient.h"
 #include "support/RecordingNotifications.h"
 #include "support/StandInService.h"
+#include "support/StandInWeb.h"
 #include "support/VirtualDisplay.h"
 
 namespace brevanta::functional {
@@ -16,6 +17,12 @@ struct ClientBenchOptions {
     std::vector<std::string> preparations {}; // What the service is told before the client starts.
     ServiceAtStart serviceAtStart { ServiceAtStart::running };
     NotificationTaker notificationTaker { NotificationTaker::recorder };
+    std::string pagesFolder {}; // Further pages that the web server serves; empty for none.
+    std::vector<std::string> webPreparations {}; // What the web server is told before the client starts.
+    std::string startPage {}; // Below the web server's URL; empty for the demo application.
+    std::string trustedHosts { "localhost" };
+    std::string signInHosts {};
+    std::vector<std::string> arguments {}; // Of the client.
 };
 
 // The whole client with all that is around it, private to this process.
@@ -23,7 +30,7 @@ class ClientBench {
 public:
     explicit ClientBench(ClientBenchOptions options = {});
 
-    // Display, bus, notifications and service.
+    // Display, bus, notifications, service and web server.
     [[nodiscard]] std::expected<void, std::string> startSurroundings();
     // The client, until its menu can be read.
     [[nodiscard]] std::expected<void, std::string> startClient();
@@ -32,6 +39,7 @@ public:
     [[nodiscard]] const PrivateBus& bus() const { return *m_bus; }
     [[nodiscard]] RecordingNotifications& notifications() { return *m_notifications; }
     [[nodiscard]] StandInService& service() { return m_service; }
+    [[nodiscard]] StandInWeb& web() { return m_web; }
     [[nodiscard]] BrevantaClient& client() { return *m_client; }
     [[nodiscard]] bool hasClient() const { return m_client != nullptr; }
     [[nodiscard]] DbusMenu& menu() { return *m_menu; }
@@ -40,6 +48,7 @@ public:
 private:
     ClientBenchOptions m_options;
     StandInService m_service;
+    StandInWeb m_web;
     std::unique_ptr<VirtualDisplay> m_display;
     std::unique_ptr<PrivateBus> m_bus;
     std::unique_ptr<RecordingNotifications> m_notifications;

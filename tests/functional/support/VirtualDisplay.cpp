@@ -20,7 +20,8 @@ template <typename T> using Reply = std::unique_ptr<T, FreeReply>;
 std::expected<std::unique_ptr<VirtualDisplay>, std::string> VirtualDisplay::start()
 {
     auto server = ChildProcess::start({
-        .arguments = { "Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp", "-noreset" },
+        .arguments = { "Xvfb", "-displayfd", "1", "-screen", "0",
+            std::to_string(width) + "x" + std::to_string(height) + "x24", "-nolisten", "tcp", "-noreset" },
         .environment = neutralEnvironment(),
     });
     if (!server)

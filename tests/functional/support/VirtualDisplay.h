@@ -19,6 +19,9 @@ class VirtualDisplay {
 public:
     [[nodiscard]] static std::expected<std::unique_ptr<VirtualDisplay>, std::string> start();
 
+    static constexpr int width = 1360;
+    static constexpr int height = 900;
+
     // As the variable DISPLAY has it.
     [[nodiscard]] const std::string& name() const { return m_name; }
 
