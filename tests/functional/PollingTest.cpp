@@ -3,7 +3,15 @@
 namespace brevanta::functional {
 
 using Clock = std::chrono::steady_clock;
-using PollingTest = ClientTest;
+
+class PollingTest : public ClientTest {
+protected:
+    // Without a page, which would ask for the status too.
+    PollingTest()
+        : ClientTest({ .preparations = { "energy 42" }, .webPreparations = { "refuse" } })
+    {
+    }
+};
 
 TEST_F(PollingTest, theServiceIsAskedEveryTwoSeconds)
 {
