@@ -73,13 +73,17 @@ TEST_F(AppDelegateTest, LaunchMakesARegularApplicationThatPollsAndShowsItsWindow
     EXPECT_TRUE(hasLine("[Launch] seconds since console login=unknown → showsWindow=true"));
 }
 
-TEST_F(AppDelegateTest, RightAfterLoginTheWindowStaysHiddenUnlessThereIsNoBarToBeFoundIn)
+TEST_F(AppDelegateTest, RightAfterLoginTheWindowStaysHidden)
 {
     loginRecords.loginTime = clock.wallSeconds() - 30;
     launch();
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(lifecycle.activations, 0);
+}
 
+TEST_F(AppDelegateTest, RightAfterLoginTheWindowShowsIfThereIsNoBarToBeFoundIn)
+{
+    loginRecords.loginTime = clock.wallSeconds() - 30;
     statusItem.shownAs = StatusItemVisibility::noHost;
     launch();
     EXPECT_TRUE(window.isVisible());
