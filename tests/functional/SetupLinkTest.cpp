@@ -25,6 +25,16 @@ TEST_F(SetupLinkTest, toARunningClientBringsItForwardAndReachesThePage)
                                 "'take_pending_navigation' }).then((answer) => answer === undefined)"));
 }
 
+TEST_F(SetupLinkTest, isTheClientsForTheDesktop)
+{
+    ASSERT_TRUE(showsPage());
+    const auto opener = bench().client().openLink(link);
+    ASSERT_TRUE(opener) << opener.error();
+    EXPECT_EQ((*opener)->awaitExit(patience), 0) << (*opener)->errors().text();
+    EXPECT_TRUE(logs("[URLScheme] open/device-setup: bringing the window to the front"));
+    EXPECT_TRUE(web().awaitTrue(pageTookTheLink));
+}
+
 TEST_F(SetupLinkTest, thatIsNoneOfOursChangesNothing)
 {
     ASSERT_TRUE(showsPage());

@@ -4,6 +4,8 @@ namespace brevanta::functional {
 
 using WebShellTest = WebTest;
 
+static constexpr Milliseconds firstTimeout { 30000 };
+
 TEST_F(WebShellTest, theApplicationIsLoadedThroughTheLaunchHoldAndKnowsWhoShowsIt)
 {
     ASSERT_TRUE(showsPage());
@@ -151,6 +153,25 @@ TEST_F(OutsideRedirectTest, isNotFollowed)
     EXPECT_TRUE(openedOutside().empty());
 }
 
+class SilentServerTest : public WebTest {
+protected:
+    SilentServerTest()
+        : WebTest({ .webPreparations = { "hang" } })
+    {
+    }
+};
+
+TEST_F(SilentServerTest, isGivenUpAfterTwentySecondsAndFoundOnceItAnswers)
+{
+    ASSERT_TRUE(logs("commands=[load(1, 20.0)]"));
+    // The client stays alive meanwhile.
+    tell("energy 17");
+    EXPECT_TRUE(showsLine("Blocking: Inactive (17.00 Coins)"));
+    ASSERT_TRUE(logs("[ShellLoad] didFail gen 1 NSURLErrorDomain -1001 → phase=blank attempt=1", firstTimeout));
+    tellWeb("behave");
+    EXPECT_TRUE(showsPage());
+}
+
 class SlowServerTest : public WebTest {
 protected:
     SlowServerTest()
@@ -161,7 +182,6 @@ protected:
 
 TEST_F(SlowServerTest, isGivenUpAfterTwentySecondsAndThenGivenMoreTime)
 {
-    constexpr Milliseconds firstTimeout { 30000 };
     constexpr Milliseconds secondAnswer { 60000 };
     ASSERT_TRUE(logs("[ShellLoad] didFail gen 1 NSURLErrorDomain -1001 → phase=blank attempt=1", firstTimeout));
     EXPECT_TRUE(logs("[ShellLoad] didFinish gen 2 → phase=usable attempt=0", secondAnswer));

@@ -6,6 +6,8 @@
 
 namespace brevanta::functional {
 
+static constexpr auto desktopEntryName = "com.brevanta.KestreluneMac.desktop";
+
 static std::string pathFromEnvironment(const char* variable, const char* builtPath)
 {
     const auto* value = std::getenv(variable);
@@ -67,12 +69,30 @@ std::expected<void, std::string> BrevantaClient::installBrowser() const
         << " %u\nMimeType=x-scheme-handler/https;x-scheme-handler/http;\n";
     std::ofstream defaults(applications / "mimeapps.list");
     defaults << "[Default Applications]\nx-scheme-handler/https=browser.desktop\n"
-                "x-scheme-handler/http=browser.desktop\n";
+                "x-scheme-handler/http=browser.desktop\n"
+             << "x-scheme-handler/brevanta=" << desktopEntryName << '\n';
     return defaults ? std::expected<void, std::string>() : std::unexpected("no browser could be installed");
 }
 
-std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startProcess(
-    const std::vector<std::string>& arguments) const
+// The desktop entry that was built with the bundle, for the copy of the bundle. A client in no bundle has none.
+std::expected<void, std::string> BrevantaClient::installDesktopEntry() const
+{
+    const std::filesystem::path built = m_options.executable;
+    const auto entries = std::filesystem::path("share") / "applications" / desktopEntryName;
+    const auto builtRoot = built.parent_path() / ".." / ".." / ".." / "..";
+    std::ifstream source(builtRoot / entries);
+    if (!source)
+        return {};
+    std::string entry(std::istreambuf_iterator<char>(source), {});
+    const auto place = entry.find(built.string());
+    if (place == std::string::npos)
+        return std::unexpected("the desktop entry does not start " + built.string());
+    entry.replace(place, built.string().size(), m_executable);
+    std::ofstream(m_directory.path() / "home/.local" / entries) << entry;
+    return {};
+}
+
+std::vector<std::string> BrevantaClient::environment() const
 {
     auto environment = neutralEnvironment();
     const auto set = [&](const std::string& name, const std::string& value) {
@@ -100,10 +120,21 @@ std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startP
     set("DBUS_SESSION_BUS_ADDRESS", m_options.busAddress.empty() ? "disabled:" : m_options.busAddress);
     if (!m_options.display.empty())
         set("DISPLAY", m_options.display);
+    return environment;
+}
+
+std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::openLink(const std::string& link) const
+{
+    return ChildProcess::start({ .arguments = { "gio", "open", link }, .environment = environment() });
+}
+
+std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startProcess(
+    const std::vector<std::string>& arguments) const
+{
     std::vector<std::string> commandLine { m_executable };
     commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
     return ChildProcess::start({ .arguments = std::move(commandLine),
-        .environment = std::move(environment),
+        .environment = environment(),
         .errorFilePath = m_options.logPath });
 }
 
@@ -115,6 +146,8 @@ std::expected<void, std::string> BrevantaClient::start()
     m_executable = *executable;
     if (auto browser = installBrowser(); !browser)
         return browser;
+    if (auto entry = installDesktopEntry(); !entry)
+        return entry;
     auto process = startProcess(m_options.arguments);
     if (!process)
         return std::unexpected("the client cannot be started: " + process.error());

@@ -31,6 +31,9 @@ public:
     [[nodiscard]] std::expected<std::unique_ptr<ChildProcess>, std::string> startProcess(
         const std::vector<std::string>& arguments) const;
 
+    // What the desktop does with a link: opens it with the application whose desktop entry takes its scheme.
+    [[nodiscard]] std::expected<std::unique_ptr<ChildProcess>, std::string> openLink(const std::string& link) const;
+
     [[nodiscard]] std::expected<void, std::string> start();
 
     // Where the client keeps what it stores, and the folder that stands for the machine's.
@@ -49,6 +52,8 @@ private:
     [[nodiscard]] std::optional<pid_t> webProcess() const;
     [[nodiscard]] std::expected<std::string, std::string> installBundle();
     [[nodiscard]] std::expected<void, std::string> installBrowser() const;
+    [[nodiscard]] std::expected<void, std::string> installDesktopEntry() const;
+    [[nodiscard]] std::vector<std::string> environment() const;
 
     BrevantaClientOptions m_options;
     TemporaryDirectory m_directory;
