@@ -8,8 +8,8 @@ namespace brevanta {
 
 namespace {
 
-// The keyboard leaves one window before it comes to the next: for a moment no window has it.
-constexpr guint betweenTwoWindowsMilliseconds = 50;
+// The keyboard leaves one window before it comes to the next: for a moment, longer on a busy machine, no window has it.
+constexpr guint betweenTwoWindowsMilliseconds = 250;
 
 struct ListDeleter {
     void operator()(GList* list) const { g_list_free(list); }

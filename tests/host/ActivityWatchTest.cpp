@@ -57,7 +57,7 @@ protected:
     static void serveForAWhile()
     {
         bool isOver = false;
-        Glib::signal_timeout().connect_once([&] { isOver = true; }, 200);
+        Glib::signal_timeout().connect_once([&] { isOver = true; }, 400);
         EXPECT_TRUE(awaitUntil([&] { return isOver; }, patience));
     }
 

@@ -133,9 +133,8 @@ std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startP
 {
     std::vector<std::string> commandLine { m_executable };
     commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
-    return ChildProcess::start({ .arguments = std::move(commandLine),
-        .environment = environment(),
-        .errorFilePath = m_options.logPath });
+    return ChildProcess::start(
+        { .arguments = std::move(commandLine), .environment = environment(), .errorFilePath = m_options.logPath });
 }
 
 std::expected<void, std::string> BrevantaClient::start()
