@@ -151,7 +151,8 @@ public:
     // Loads the current page once more, past every cache, with a timeout of 60 seconds. Null when there is none.
     [[nodiscard]] virtual WebNavigation reloadFromOrigin() = 0;
 
-    // Runs the script in the page's own world without waiting for a result; what it throws is ignored.
+    // Runs the script in the page's own world without waiting for a result; what it throws is ignored. A script that is
+    // not UTF-8 is ignored too.
     virtual void evaluate(const std::string& script) = 0;
 
     // The URL of the document that is there now; never that of a load under way, so that what is sent on the strength

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace brevanta {
+
+// Who may do what with a file that is made; exactly this, whatever the process's own mask.
+enum class FilePermissions {
+    ownerOnly, // Read and written by its owner: 0600.
+    readableByAll, // 0644
+    executableByAll, // 0755
+};
+
+// Tells one content of a file from another without reading it: changed by whoever writes, replaces or touches the file.
+struct FileStamp {
+    std::uint64_t device { 0 };
+    std::uint64_t inode { 0 };
+    std::uint64_t size { 0 };
+    std::int64_t changedAtNanoseconds { 0 }; // st_ctime, stat(2).
+
+    bool operator==(const FileStamp&) const = default;
+};
+
+struct FileStoreError {
+    std::string message; // In English, for the log; without the file's path and contents.
+
+    bool operator==(const FileStoreError&) const = default;
+};
+
+// Small files that are replaced as a whole. Any thread; waits for the disk.
+class FileStore {
+public:
+    virtual ~FileStore() = default;
+
+    // Puts `contents` in the place of the file, or makes it: who reads `path` meets the old file or the whole new one.
+    // The new one has these permissions from its first byte. On an error the old file is as it was, and nothing is left
+    // beside it. The stamp is that of the new file.
+    [[nodiscard]] virtual std::expected<FileStamp, FileStoreError> replace(
+        const std::filesystem::path& path, std::string_view contents, FilePermissions permissions)
+        = 0;
+
+    // Nothing when there is no file at the path, or it cannot be looked at.
+    [[nodiscard]] virtual std::optional<FileStamp> stamp(const std::filesystem::path& path) const = 0;
+};
+
+}
