@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 namespace brevanta {
@@ -23,8 +24,12 @@ struct FileWriteError {
 // Puts `contents` in the place of the file, or makes it: who reads `path` meets the old file or the whole new one, and
 // after a crash of the machine too. The new file has exactly this mode, whatever the umask, before its first byte is
 // written. A symbolic link at `path` is replaced itself. On an error the old file is as it was and nothing is left
-// beside it. Any thread; waits for the disk.
-[[nodiscard]] std::expected<void, FileWriteError> writeFileAtomically(
+// beside it. The result is fstat(2) of the new file in its place. Any thread; waits for the disk, and for whoever else
+// is writing this file.
+//
+// A process that is killed leaves at most one file, ".<name>.tmp", which the next writer of the same file removes: the
+// name is the same for all writers, and whoever holds flock(2) on that file owns it. Unique names would pile up.
+[[nodiscard]] std::expected<struct stat, FileWriteError> writeFileAtomically(
     const std::filesystem::path& path, std::string_view contents, mode_t mode);
 
 }

@@ -2,6 +2,8 @@
 
 #include <csignal>
 #include <initializer_list>
+#include <pthread.h>
+#include <utility>
 
 namespace brevanta {
 
@@ -18,6 +20,20 @@ void blockAllSignals()
     for (const int raisedByFault : { SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGSYS, SIGTRAP })
         sigdelset(&signals, raisedByFault);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+std::function<void()> queueThread(std::string name)
+{
+    return [name = std::move(name)] {
+        blockAllSignals();
+#ifdef __APPLE__
+        pthread_setname_np(name.c_str());
+#else
+        constexpr std::size_t longest = 15;
+        const auto begin = name.size() > longest ? name.size() - longest : 0;
+        pthread_setname_np(pthread_self(), name.c_str() + begin);
+#endif
+    };
 }
 
 void ignoreBrokenPipeSignal()

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <csignal>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -134,6 +135,43 @@ TEST_F(AtomicFileTest, LeavesTheOldFileAloneWhenThereIsNoRoomForTheNewOne)
     EXPECT_EQ(status, 0);
     EXPECT_EQ(contentsOf(m_file), "old");
     EXPECT_EQ(namesIn(m_folder.path()), std::vector<std::string> { "settings" });
+}
+
+TEST_F(AtomicFileTest, WhatAKilledWriterOrAnybodyElseLeftIsRemovedAndNeverFollowed)
+{
+    const auto left = m_folder.path() / ".settings.tmp";
+    const auto elsewhere = m_folder.path() / "elsewhere";
+    ASSERT_TRUE(writeFileAtomically(elsewhere, "kept", 0644));
+    const std::function<void()> leave[] = {
+        [&] { std::ofstream(left) << "half a fi"; },
+        [&] { std::filesystem::create_symlink(elsewhere, left); },
+        [&] { std::filesystem::create_hard_link(elsewhere, left); },
+        [&] { ASSERT_EQ(::mkfifo(left.c_str(), 0600), 0); },
+    };
+    for (const auto& leaveSomething : leave) {
+        leaveSomething();
+        ASSERT_TRUE(writeFileAtomically(m_file, "new", 0600));
+        EXPECT_EQ(contentsOf(m_file), "new");
+        EXPECT_EQ(modeOf(m_file), 0600U);
+        EXPECT_EQ(contentsOf(elsewhere), "kept");
+        EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(left)));
+    }
+    std::filesystem::create_directory(left);
+    EXPECT_EQ(writeFileAtomically(m_file, "x", 0600).error(), (FileWriteError { Step::create, EEXIST }));
+    EXPECT_EQ(contentsOf(m_file), "new");
+}
+
+TEST_F(AtomicFileTest, TheResultIsTheFileThatIsInPlaceNow)
+{
+    for (const auto* contents : { "first", "second" }) {
+        const auto written = writeFileAtomically(m_file, contents, 0600);
+        ASSERT_TRUE(written);
+        struct stat status {};
+        ASSERT_EQ(::stat(m_file.c_str(), &status), 0);
+        EXPECT_EQ(written->st_ino, status.st_ino);
+        EXPECT_EQ(written->st_ctime, status.st_ctime);
+        EXPECT_EQ(written->st_size, status.st_size);
+    }
 }
 
 TEST_F(AtomicFileTest, WritersInSeveralThreadsNeverMixTheirContents)
