@@ -22,6 +22,9 @@ public:
         };
     }
 
+    // For a callback that has to answer: expired once the token has been destroyed.
+    [[nodiscard]] std::weak_ptr<const void> watch() const { return m_life; }
+
 private:
     std::shared_ptr<char> m_life { std::make_shared<char>() };
 };
