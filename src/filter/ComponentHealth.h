@@ -34,12 +34,15 @@ class ComponentHealth {
 public:
     virtual ~ComponentHealth() = default;
 
-    // The report that goes with the next status request; nothing when there is nothing to report from.
+    // The report that goes with the next status request; nothing when there is none to be sent.
     [[nodiscard]] virtual std::optional<Json> filterHealthReport() = 0;
 
     // How a status request ended that began at `requestStartedAt`, in continuous seconds.
     virtual void pollSucceeded(const BlockingStatus& status, double requestStartedAt) = 0;
     virtual void pollFailed(const DaemonFailure& failure, double requestStartedAt) = 0;
+
+    // Draws the consequences of the time that has passed.
+    virtual void refresh() = 0;
 
     [[nodiscard]] virtual ComponentLine serviceLine() const = 0;
     [[nodiscard]] virtual ComponentLine filterLine() const = 0;

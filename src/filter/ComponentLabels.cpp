@@ -1,0 +1,67 @@
+#include "filter/ComponentLabels.h"
+
+namespace brevanta {
+
+namespace {
+
+struct ServiceLine {
+    InstallProgress install;
+
+    ComponentLine operator()(const DaemonHealth::Running& running) const
+    {
+        const bool isOutdated = std::holds_alternative<DaemonUpgradePolicy::Upgrade>(running.upgrade);
+        return { DaemonUpgradePolicy::menuTitle(running.upgrade),
+            isOutdated ? ComponentAction::updateService : ComponentAction::none };
+    }
+    ComponentLine operator()(const DaemonHealth::Checking&) const
+    {
+        return { "Blocking Service: Checking…", ComponentAction::none };
+    }
+    ComponentLine operator()(const DaemonHealth::NotInstalled&) const
+    {
+        return { "⚠ Install Blocking Service…", ComponentAction::installService };
+    }
+    ComponentLine operator()(const DaemonHealth::NotRunning&) const { return restart(); }
+    ComponentLine operator()(const DaemonHealth::TurnedOffInSettings&) const
+    {
+        return { "⚠ Blocking Service Turned Off in System Settings…", ComponentAction::openLoginItemsSettings };
+    }
+    ComponentLine operator()(const DaemonHealth::Starting&) const
+    {
+        return { install == InstallProgress::inFlight ? "Blocking Service: installing…" : "Blocking Service: starting…",
+            ComponentAction::none };
+    }
+    ComponentLine operator()(const DaemonHealth::Unreachable&) const { return restart(); }
+
+    static ComponentLine restart() { return { "⚠ Restart Blocking Service…", ComponentAction::restartService }; }
+};
+
+}
+
+ComponentLine filterLine(const FilterLineFacts& facts)
+{
+    if (facts.approvalRequested)
+        return { "⚠ Approve Content Filter in System Settings…", ComponentAction::openFilterApproval };
+    if (facts.needsInstall && facts.status != FilterStatus::on)
+        return { "⚠ Install Content Filter…", ComponentAction::activateFilter };
+    switch (facts.status) {
+    case FilterStatus::checking:
+        return { "Content Filter: Checking…", ComponentAction::none };
+    case FilterStatus::cantCheck:
+        return { "Content Filter: Can't check", ComponentAction::none };
+    case FilterStatus::awaitingApproval:
+        return { "Content Filter: Waiting for approval", ComponentAction::none };
+    case FilterStatus::off:
+        return { "⚠ Content Filter: Off", ComponentAction::none };
+    case FilterStatus::on:
+        break;
+    }
+    return { "✓ Content Filter", ComponentAction::none };
+}
+
+ComponentLine serviceLine(const DaemonHealth::State& state, InstallProgress install)
+{
+    return std::visit(ServiceLine { install }, state);
+}
+
+}
