@@ -1,5 +1,9 @@
+#include "fakes/FakeFileStore.h"
+#include "fakes/FakeFilterSystem.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
+#include "host/FileStoreContract.h"
+#include "host/FilterSystemContract.h"
 #include "host/MainLoopContract.h"
 #include "host/UserDefaultsContract.h"
 
@@ -30,6 +34,26 @@ private:
     std::optional<FakeMainLoop> m_loop;
 };
 
+class FakeFilterSystemBench {
+public:
+    FakeFilterSystemBench() { m_system.emplace(m_loop); }
+
+    FilterSystem& system() { return *m_system; }
+    void carryOutRequest() { m_system->requests.back().askWhetherToReplace({}, {}); }
+    bool serveUntil(const std::function<bool()>& condition)
+    {
+        m_loop.runPosted();
+        return condition();
+    }
+    void serveForATurn() { m_loop.runPosted(); }
+    void end() { m_system.reset(); }
+
+private:
+    FakeClock m_clock;
+    FakeMainLoop m_loop { m_clock };
+    std::optional<FakeFilterSystem> m_system;
+};
+
 class FakeUserDefaultsBench {
 public:
     UserDefaults& defaults() { return m_defaults; }
@@ -39,9 +63,29 @@ private:
     FakeUserDefaults m_defaults;
 };
 
+class FakeFileStoreBench {
+public:
+    FileStore& store() { return m_store; }
+    static std::filesystem::path path() { return "/folder/file"; }
+    std::filesystem::path impossiblePath()
+    {
+        m_store.failure = FileStoreError { "could not create: No such file or directory" };
+        return "/missing/child";
+    }
+    [[nodiscard]] std::optional<std::string> contents() const { return m_store.contents(path()); }
+    [[nodiscard]] std::optional<FilePermissions> permissions() const { return m_store.permissions(path()); }
+    void replaceFromOutside(std::string_view contents) { m_store.replaceFromOutside(path(), contents); }
+    void removeFromOutside() { m_store.removeFromOutside(path()); }
+
+private:
+    FakeFileStore m_store;
+};
+
 }
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, FilterSystemContract, FakeFilterSystemBench);
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, MainLoopContract, FakeMainLoopBench);
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, UserDefaultsContract, FakeUserDefaultsBench);
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, FileStoreContract, FakeFileStoreBench);
 
 }

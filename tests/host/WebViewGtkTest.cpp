@@ -79,6 +79,16 @@ TEST_F(WebViewGtkTest, ANavigationOfThePageItselfHasAnIdentityOfItsOwn)
     EXPECT_EQ(committed(), server.url("/two"));
 }
 
+TEST_F(WebViewGtkTest, AScriptThatIsNotUtf8IsNotRun)
+{
+    loadAndFinish("/");
+    view->evaluate("location = '/other' // \xFF");
+    view->evaluate("location = '/two'");
+    ASSERT_TRUE(await("finish 2"));
+    EXPECT_EQ(committed(), server.url("/two"));
+    EXPECT_TRUE(std::ranges::none_of(server.requests(), [](const auto& request) { return request.path == "/other"; }));
+}
+
 TEST_F(WebViewGtkTest, ASupersededLoadFailsBeforeTheNewOneStarts)
 {
     loadPage("/silent");

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "gtk/standin/FilterStandIn.h"
+#include "gtk/standin/ServiceStandIn.h"
+
+#include <expected>
+#include <filesystem>
+#include <functional>
+
+namespace brevanta {
+
+// The stand-in system's files below a development root, each replaced as a whole. They are read anew at each call, and
+// who changes one holds a lock beside it, so that no change of another process is lost. A missing file reads as the
+// value that its type begins with.
+class StandInStore {
+public:
+    template <typename State> using Read = std::expected<State, StandInError>;
+
+    // Gets what the file holds, or why it cannot be read, and gives what it is to hold.
+    template <typename State> using Change = std::function<Read<State>(const Read<State>&)>;
+
+    explicit StandInStore(const std::filesystem::path& root);
+
+    // The error says which file is wrong, and why.
+    [[nodiscard]] Read<FilterStandIn> filter() const;
+    [[nodiscard]] Read<ServiceStandIn> service() const;
+
+    // Gives what the file holds now. On an error it is as it was. Waits up to a second for another's change to end.
+    Read<FilterStandIn> changeFilter(const Change<FilterStandIn>& change) const;
+    Read<ServiceStandIn> changeService(const Change<ServiceStandIn>& change) const;
+
+    [[nodiscard]] const std::filesystem::path& filterFile() const { return m_filterFile; }
+
+private:
+    std::filesystem::path m_filterFile;
+    std::filesystem::path m_serviceFile;
+};
+
+}
