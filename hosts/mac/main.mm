@@ -5,18 +5,21 @@
 #include "mac/ApplicationLifecycleMac.h"
 #include "mac/BundleFactsMac.h"
 #include "mac/ClockMac.h"
+#include "mac/FilterSystemMac.h"
 #include "mac/MainLoopMac.h"
 #include "mac/MainMenuMac.h"
 #include "mac/MainWindowMac.h"
 #include "mac/NotificationCenterMac.h"
 #include "mac/OpenPanelMac.h"
 #include "mac/PlaceholderMac.h"
+#include "mac/ServiceManagerMac.h"
 #include "mac/StatusItemMac.h"
 #include "mac/SystemLogMac.h"
 #include "mac/TextMac.h"
 #include "mac/UserDefaultsMac.h"
 #include "mac/WebViewMac.h"
 #include "mac/WorkspaceMac.h"
+#include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
 #include "posix/ProgramArguments.h"
@@ -60,6 +63,24 @@ std::string deviceName()
     return utf8FromString(name ? name : NSProcessInfo.processInfo.hostName);
 }
 
+SystemVersion systemVersion()
+{
+    const NSOperatingSystemVersion version = NSProcessInfo.processInfo.operatingSystemVersion;
+    return { .major = static_cast<int>(version.majorVersion),
+        .minor = static_cast<int>(version.minorVersion),
+        .patch = static_cast<int>(version.patchVersion) };
+}
+
+// Nothing when the application is not entitled to the group. NSFileManager may be asked on any thread.
+std::optional<std::filesystem::path> sharedContainer()
+{
+    @autoreleasepool {
+        NSURL* const container = [NSFileManager.defaultManager
+            containerURLForSecurityApplicationGroupIdentifier:@"group.com.brevanta.shared"];
+        return container ? std::optional<std::filesystem::path>(utf8FromString(container.path)) : std::nullopt;
+    }
+}
+
 void runApplication(const BuildConfiguration& configuration)
 {
     SystemLogMac log(configuration.bundleIdentifier,
@@ -69,7 +90,9 @@ void runApplication(const BuildConfiguration& configuration)
     LocalSocketPosix localSockets;
     LoginRecordsPosix loginRecords(isConsoleLine);
     MainLoopMac mainLoop;
-    SerialQueue daemonQueue(blockAllSignals);
+    SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
+    SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
+    SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
     ApplicationLifecycleMac lifecycle(mainLoop);
     installMainMenu(NSApplication.sharedApplication);
     WebViewMac webView(mainLoop);
@@ -80,10 +103,15 @@ void runApplication(const BuildConfiguration& configuration)
     OpenPanelMac openPanel(mainLoop, mainWindow);
     WorkspaceMac workspace(mainLoop);
     NotificationCenterMac notifications(mainLoop);
+    ServiceManagerMac services(mainLoop, configuration.root);
+    FilterSystemMac filterSystem(mainLoop);
+    FileStorePosix files;
     AppDelegate delegate(
         {
             .mainLoop = mainLoop,
             .daemonQueue = daemonQueue,
+            .sharedStateQueue = sharedStateQueue,
+            .pageScriptQueue = pageScriptQueue,
             .localSockets = localSockets,
             .clock = clock,
             .log = log,
@@ -98,6 +126,11 @@ void runApplication(const BuildConfiguration& configuration)
             .webView = webView,
             .placeholder = placeholder,
             .openPanel = openPanel,
+            .services = services,
+            .filterSystem = filterSystem,
+            .files = files,
+            .sharedContainer = sharedContainer,
+            .systemVersion = systemVersion(),
             .newUuid = newUuid,
             .deviceName = deviceName(),
         },

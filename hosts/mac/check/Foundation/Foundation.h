@@ -89,6 +89,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 @interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
 + (instancetype)array;
 + (instancetype)arrayWithObject:(ObjectType)object;
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)count;
 @property (nullable, nonatomic, readonly) ObjectType lastObject;
 @end
 
@@ -276,6 +277,32 @@ extern NSRunLoopMode const NSDefaultRunLoopMode;
 @property (nullable, readonly, copy) NSString* bundleIdentifier;
 @property (nullable, readonly, copy) NSString* executablePath;
 - (nullable id)objectForInfoDictionaryKey:(NSString*)key;
+@end
+
+// Documentation: NSFileHandle; macOS 10.0.
+@interface NSFileHandle : NSObject
+@property (class, readonly, strong) NSFileHandle* fileHandleWithNullDevice;
+@end
+
+// Documentation: NSTaskTerminationReason; macOS 10.6.
+typedef NS_ENUM(NSInteger, NSTaskTerminationReason) {
+    NSTaskTerminationReasonExit = 1,
+    NSTaskTerminationReasonUncaughtSignal = 2
+};
+
+// Documentation: NSTask; macOS 10.0. The termination handler may run on a background thread.
+@interface NSTask : NSObject
+@property (nullable, copy) NSURL* executableURL; // macOS 10.13
+@property (nullable, copy) NSArray<NSString*>* arguments;
+@property (nullable, strong) id standardInput;
+@property (nullable, strong) id standardOutput;
+@property (nullable, strong) id standardError;
+@property (nullable, copy) void (^terminationHandler)(NSTask* task); // macOS 10.7
+@property (readonly, getter=isRunning) BOOL running;
+@property (readonly) int terminationStatus;
+@property (readonly) NSTaskTerminationReason terminationReason; // macOS 10.6
+- (BOOL)launchAndReturnError:(NSError* _Nullable __autoreleasing* _Nullable)error; // macOS 10.13
+- (void)terminate;
 @end
 
 NS_ASSUME_NONNULL_END
