@@ -3,6 +3,8 @@
 #include "base/JsonWriter.h"
 #include "daemon/BlockingStatus.h"
 
+#include <nlohmann/json.hpp>
+
 namespace brevanta {
 
 namespace {
@@ -14,28 +16,27 @@ std::string stateEvent(const std::string& name, const Json& state)
 
 }
 
-std::string PageScripts::blockingStatus(const BlockingStatus& status)
+void PageScripts::appendBlockingStatus(std::string& out, const BlockingStatus& status)
 {
-    std::string script = "window.dispatchEvent(new CustomEvent('kestrelune_blocking_status', {\n"
-                         "    detail: {\n"
-                         "        blocking: ";
-    script += status.blocking ? "true" : "false";
-    script += ",\n        energy: ";
-    json::appendNumber(script, status.energy);
-    script += ",\n        blockedDomains: ";
-    json::appendStringArray(script, status.blockedDomains);
-    script += ",\n        blockedApps: ";
-    json::appendStringArray(script, status.blockedApps);
-    script += "\n    }\n}));";
-    return script;
+    out += "window.dispatchEvent(new CustomEvent('kestrelune_blocking_status', {\n"
+           "    detail: {\n"
+           "        blocking: ";
+    out += status.blocking ? "true" : "false";
+    out += ",\n        energy: ";
+    json::appendNumber(out, status.energy);
+    out += ",\n        blockedDomains: ";
+    json::appendStringArray(out, status.blockedDomains);
+    out += ",\n        blockedApps: ";
+    json::appendStringArray(out, status.blockedApps);
+    out += "\n    }\n}));";
 }
 
 std::string PageScripts::appPicked(std::string_view bundleId, std::string_view name, std::string_view icon)
 {
     std::string script = "window.dispatchEvent(new CustomEvent('kestrelune_app_picked', { detail: {\"bundle_id\":";
-    json::appendString(script, bundleId);
+    script += json::scriptText(bundleId);
     script += ",\"name\":";
-    json::appendString(script, name);
+    script += json::scriptText(name);
     script += ",\"icon\":";
     json::appendString(script, icon);
     script += "} }));";

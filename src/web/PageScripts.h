@@ -20,7 +20,8 @@ inline constexpr std::string_view requestOnboardingState
 inline constexpr std::string_view navigationPending
     = "window.dispatchEvent(new CustomEvent('kestrelune_navigation_pending'));";
 
-[[nodiscard]] std::string blockingStatus(const BlockingStatus& status);
+// Appends the script, which may have megabytes: made on a queue, into memory that is kept.
+void appendBlockingStatus(std::string& out, const BlockingStatus& status);
 
 // Whether the user lets the client notify; the state is one of the words of NotificationAuthorization.
 [[nodiscard]] std::string notificationStatus(std::string_view authorization);
@@ -34,7 +35,7 @@ inline constexpr std::string_view navigationPending
 [[nodiscard]] std::string documentStart(
     std::string_view deviceId, std::string_view deviceName, std::string_view version);
 
-// An application that the user picked; `icon` is a data URL.
+// An application that the user picked; `icon` is a data URL. Bytes that are not UTF-8 are replaced.
 [[nodiscard]] std::string appPicked(std::string_view bundleId, std::string_view name, std::string_view icon);
 
 }

@@ -5,6 +5,7 @@
 #include "platform/SystemLog.h"
 #include "setup/DeviceSetup.h"
 #include "update/UpdaterControl.h"
+#include "web/BlockingStatusDelivery.h"
 #include "web/BridgeTable.h"
 #include "web/PageDelivery.h"
 #include "web/PageScripts.h"
@@ -58,6 +59,8 @@ void StateMessages::addRemoval(BridgeTable& table)
     table.add("request_uninstall", [this](const auto& message) { requestUninstall(message); });
     table.add("cancel_uninstall", [this](const auto& message) { cancelUninstall(message); });
     table.add("remove_network_filter", [this](const auto&) {
+        if (m_dependencies.deviceSetup.isFilterRemovable())
+            return m_dependencies.deviceSetup.removeFilter();
         m_dependencies.log.log(
             "[WebViewBridge] remove_network_filter ignored: a blocking service is installed or there is no filter");
     });
@@ -89,7 +92,7 @@ void StateMessages::deliverBlockingStatus()
     m_dependencies.daemonClient.getStatus(std::nullopt, m_life.guard([this](const auto& status) {
         m_askingForStatus = false;
         if (status)
-            m_dependencies.delivery.deliver(PageScripts::blockingStatus(**status));
+            m_dependencies.blockingStatus.answer(*status);
         else
             m_dependencies.log.log("[WebViewBridge] get_blocking_status: " + describe(status.error()));
     }));

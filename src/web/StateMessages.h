@@ -6,6 +6,7 @@
 
 namespace brevanta {
 
+class BlockingStatusDelivery;
 class BridgeTable;
 class DaemonClient;
 class DeviceSetup;
@@ -25,6 +26,7 @@ public:
         RemovalShellController& removal;
         UpdaterControl* updater; // Null when updates are not configured.
         PageDelivery& delivery;
+        BlockingStatusDelivery& blockingStatus;
         SystemLog& log;
         std::string version; // Of the application.
     };

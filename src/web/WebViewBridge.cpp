@@ -32,10 +32,11 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
     : m_origins(origins)
     , m_dependencies(std::move(dependencies))
     , m_delivery(m_dependencies.webView, m_origins, m_dependencies.log)
+    , m_blockingStatus(m_dependencies.pageScriptQueue, m_dependencies.mainLoop, m_delivery)
     , m_accountMessages(
           m_dependencies.daemonClient, m_dependencies.removal, m_dependencies.defaults, m_dependencies.log)
     , m_stateMessages({ m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal,
-          m_dependencies.updater, m_delivery, m_dependencies.log, m_dependencies.version })
+          m_dependencies.updater, m_delivery, m_blockingStatus, m_dependencies.log, m_dependencies.version })
     , m_systemMessages({ m_dependencies.notifications, m_dependencies.workspace, m_dependencies.defaults, m_delivery,
           m_dependencies.log, m_dependencies.bundleIdentifier, m_dependencies.extensionStoreUrl })
     , m_applicationPicker({ m_dependencies.openPanel, m_dependencies.workspace, m_delivery, m_dependencies.log,
@@ -43,6 +44,7 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
 {
     buildTable();
     m_dependencies.removal.setObserver([this] { m_stateMessages.removalChanged(); });
+    m_dependencies.deviceSetup.setChangeHandler([this] { m_stateMessages.deviceSetupChanged(); });
 }
 
 WebViewBridge::~WebViewBridge() { m_dependencies.removal.setObserver({}); }
@@ -109,6 +111,7 @@ void WebViewBridge::didStartProvisional(const WebNavigation& navigation)
 void WebViewBridge::didCommit(const WebNavigation& navigation)
 {
     m_stateMessages.forgetDelivered();
+    m_blockingStatus.forgetDelivered();
     if (m_loadObserver)
         m_loadObserver->didCommit(navigation);
     m_dependencies.deviceSetup.pageChanged();
@@ -118,6 +121,7 @@ void WebViewBridge::didFinish(const WebNavigation& navigation)
 {
     if (m_loadObserver)
         m_loadObserver->didFinish(navigation);
+    m_blockingStatus.forgetDelivered(); // What came before the page was complete may have found nobody listening.
     requestOnboardingState();
     if (m_isNavigationPending && m_isNavigationPending())
         navigationIsPending();
@@ -133,6 +137,7 @@ void WebViewBridge::didFail(const WebNavigation& navigation, const WebError& err
 void WebViewBridge::contentProcessDidTerminate()
 {
     m_stateMessages.forgetDelivered();
+    m_blockingStatus.forgetDelivered();
     if (m_loadObserver)
         m_loadObserver->contentProcessDidTerminate();
     m_dependencies.deviceSetup.pageChanged();

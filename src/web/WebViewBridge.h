@@ -4,6 +4,7 @@
 #include "platform/WebView.h"
 #include "web/AccountMessages.h"
 #include "web/ApplicationPicker.h"
+#include "web/BlockingStatusDelivery.h"
 #include "web/BridgeTable.h"
 #include "web/PageDelivery.h"
 #include "web/StateMessages.h"
@@ -15,6 +16,7 @@
 
 namespace brevanta {
 
+class Executor;
 class MainLoop;
 class ShellLoadCoordinator;
 
@@ -24,6 +26,7 @@ class WebViewBridge final : public ScriptMessageHandler, public WebNavigationDel
 public:
     struct Dependencies {
         MainLoop& mainLoop;
+        Executor& pageScriptQueue; // Serial; where large scripts are made.
         WebView& webView;
         OpenPanel& openPanel;
         Workspace& workspace;
@@ -52,6 +55,8 @@ public:
 
     ScriptDelivery deliver(const std::string& script) { return m_delivery.deliver(script); }
 
+    void pushBlockingStatus(const std::shared_ptr<const BlockingStatus>& status) { m_blockingStatus.push(status); }
+
     void applicationDidBecomeActive() { m_systemMessages.applicationDidBecomeActive(); }
 
     // A setup link waits for the page; it is told once now, and again after each page that has finished loading.
@@ -78,6 +83,7 @@ private:
     const TrustedOrigins& m_origins;
     Dependencies m_dependencies;
     PageDelivery m_delivery;
+    BlockingStatusDelivery m_blockingStatus;
     AccountMessages m_accountMessages;
     StateMessages m_stateMessages;
     SystemMessages m_systemMessages;

@@ -14,6 +14,7 @@
 
 namespace brevanta {
 
+class Executor;
 class MainWindow;
 
 // The one window, with the web application in it: owns everything between the web view and the rest of the client.
@@ -22,6 +23,7 @@ class WebViewWindow final : public WebShell {
 public:
     struct Dependencies {
         MainLoop& mainLoop;
+        Executor& pageScriptQueue; // Serial; where large scripts are made.
         Clock& clock;
         SystemLog& log;
         UserDefaults& defaults;

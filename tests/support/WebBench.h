@@ -29,11 +29,16 @@ public:
         return SetupActionOutcome::taken;
     }
     [[nodiscard]] Json state() const override { return { { "schema", 1 } }; }
+    void setChangeHandler(std::function<void()> handler) override { onChange = std::move(handler); }
     void pageChanged() override { ++pageChanges; }
-    [[nodiscard]] bool isFilterRemovable() const override { return false; }
+    [[nodiscard]] bool isFilterRemovable() const override { return removable; }
+    void removeFilter() override { ++removals; }
 
     std::vector<std::string> performed;
+    std::function<void()> onChange;
     int pageChanges { 0 };
+    bool removable { false };
+    int removals { 0 };
 };
 
 class FakeUpdater final : public UpdaterControl {
@@ -56,6 +61,7 @@ public:
     {
         window = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
             .mainLoop = mainLoop,
+            .pageScriptQueue = pageScriptQueue,
             .clock = clock,
             .log = log,
             .defaults = defaults,
@@ -110,13 +116,15 @@ public:
     {
         do {
             queue.runAll();
+            pageScriptQueue.runAll();
             mainLoop.runPosted();
-        } while (queue.pending() > 0);
+        } while (queue.pending() + pageScriptQueue.pending() > 0);
     }
 
     FakeClock clock;
     FakeMainLoop mainLoop { clock };
     ManualExecutor queue;
+    ManualExecutor pageScriptQueue;
     FakeSystemLog log;
     FakeUserDefaults defaults;
     FakeMainWindow mainWindow;

@@ -52,6 +52,29 @@ TEST(JsonWriter, WhatIsWrittenReadsBackAsTheSameText)
     }
 }
 
+TEST(JsonWriter, WhereverATextNeedsAnEscapeItGetsOneAndItsNeighboursStayAsTheyAre)
+{
+    constexpr std::size_t longest = 50; // More than three of the pieces in which texts are copied.
+    const std::pair<std::string, std::string> specials[]
+        = { { "\"", "\\\"" }, { "\\", "\\\\" }, { "\x1F", "\\u001f" }, { std::string(1, '\0'), "\\u0000" },
+              { "\u2028", "\\u2028" }, { "\xE2", "\xE2" }, { "\x7F", "\x7F" }, { "\xFF", "\xFF" }, { " ", " " } };
+    for (std::size_t size = 0; size <= longest; ++size) {
+        for (std::size_t at = 0; at <= size; ++at) {
+            const std::string before(at, '!');
+            const std::string after(size - at, '~');
+            for (const auto& [special, escaped] : specials) {
+                const auto text = before + special + after;
+                const auto expected = "\"" + before + escaped + after + "\"";
+                ASSERT_EQ(written(text), expected);
+                const std::string_view texts[] = { after, text, "", text, before };
+                std::string out = "x";
+                json::appendStringArray(out, texts);
+                ASSERT_EQ(out, "x[\"" + after + "\"," + expected + ",\"\"," + expected + ",\"" + before + "\"]");
+            }
+        }
+    }
+}
+
 TEST(JsonWriter, AWholeValueHasNoLineThatJavaScriptWouldEnd)
 {
     EXPECT_EQ(json::scriptText(Json { { "b\u2028", { "x\u2029y–\xE2\x80", nullptr } }, { "a", 1 } }),
@@ -77,7 +100,9 @@ TEST(PageScripts, TheBlockingStatusIsOneEventWhateverTheDomainsSay)
     status.blocking = true;
     status.energy = 12.5;
     status.blockedDomains = domains;
-    EXPECT_EQ(PageScripts::blockingStatus(status),
+    std::string script;
+    PageScripts::appendBlockingStatus(script, status);
+    EXPECT_EQ(script,
         "window.dispatchEvent(new CustomEvent('kestrelune_blocking_status', {\n"
         "    detail: {\n"
         "        blocking: true,\n"
@@ -93,6 +118,9 @@ TEST(PageScripts, APickedApplicationCarriesItsThreeTexts)
     EXPECT_EQ(PageScripts::appPicked("com.example.a", "A \"B\"", "data:image/png;base64,AA=="),
         "window.dispatchEvent(new CustomEvent('kestrelune_app_picked', { detail: "
         "{\"bundle_id\":\"com.example.a\",\"name\":\"A \\\"B\\\"\",\"icon\":\"data:image/png;base64,AA==\"} }));");
+    EXPECT_EQ(PageScripts::appPicked("a", "b\xFF", ""),
+        "window.dispatchEvent(new CustomEvent('kestrelune_app_picked', { detail: "
+        "{\"bundle_id\":\"a\",\"name\":\"b\uFFFD\",\"icon\":\"\"} }));");
 }
 
 }

@@ -408,11 +408,13 @@ TEST_F(WebViewBridgeTest, NothingReachesADocumentThatIsNotTrusted)
         webView.finish();
         settle();
         window->pushBlockingStatus(statusWith(Json::object()));
+        settle();
         EXPECT_EQ(window->evaluate("x"), ScriptDelivery::refused);
         EXPECT_TRUE(webView.scripts.empty());
     }
     webView.terminateContentProcess();
     window->pushBlockingStatus(statusWith(Json::object()));
+    settle();
     EXPECT_EQ(std::ranges::count(log.lines, dropped), 1) << "a row of refusals is logged once";
     webView.commit(urlOf("https", "www.example.com"));
     EXPECT_EQ(window->evaluate("x"), ScriptDelivery::handedOver);
@@ -429,6 +431,36 @@ TEST_F(WebViewBridgeTest, TrustIsJudgedWhenTheAnswerArrives)
     webView.committed = urlOf("https", "login.example.org");
     settle();
     EXPECT_TRUE(webView.scripts.empty());
+}
+
+TEST_F(WebViewBridgeTest, EachDocumentIsToldTheStatusOnceWhileItLoadsAndOnceAfterwards)
+{
+    openUsable();
+    const auto status = statusWith(Json::object());
+    const auto push = [&] {
+        window->pushBlockingStatus(status);
+        settle();
+    };
+    const auto told = [this] { return eventCount("kestrelune_blocking_status"); };
+    push();
+    push();
+    EXPECT_EQ(told(), 1) << "nothing has changed since";
+    post({ { "type", "get_blocking_status" } });
+    EXPECT_EQ(told(), 2) << "a page that asks is answered";
+    webView.scripts.clear();
+    webView.beginForeign();
+    webView.commit(urlOf("https", "www.example.com"));
+    push();
+    push();
+    EXPECT_EQ(told(), 1);
+    webView.finish();
+    push();
+    push();
+    EXPECT_EQ(told(), 2) << "its own scripts may not have listened before";
+    webView.terminateContentProcess();
+    webView.commit(urlOf("https", "www.example.com"));
+    push();
+    EXPECT_EQ(told(), 3);
 }
 
 TEST_F(WebViewBridgeTest, EachEndOfANavigationAsksForTheOnboardingState)

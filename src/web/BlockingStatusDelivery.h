@@ -1,0 +1,53 @@
+#pragma once
+
+#include "base/LifeToken.h"
+
+#include <memory>
+#include <string>
+
+namespace brevanta {
+
+class Executor;
+class MainLoop;
+class PageDelivery;
+struct BlockingStatus;
+
+// Tells the page the blocking status. A status may hold hundreds of thousands of domains, so the script is made on a
+// queue; the main thread only hands it to the engine, through the check of every delivery. One script is made at a
+// time, and while that goes on only the newest of the statuses that arrive is kept: the page sees them in their order,
+// and none after a newer one. Main thread only; may be destroyed while a script is being made.
+class BlockingStatusDelivery {
+public:
+    // The queue is serial. Queue, loop and delivery outlive this.
+    BlockingStatusDelivery(Executor& queue, MainLoop& mainLoop, PageDelivery& delivery);
+    ~BlockingStatusDelivery();
+    BlockingStatusDelivery(const BlockingStatusDelivery&) = delete;
+    BlockingStatusDelivery& operator=(const BlockingStatusDelivery&) = delete;
+
+    // Tells the page once: a status that is the very object that this document was told last is not told again.
+    void push(const std::shared_ptr<const BlockingStatus>& status);
+
+    // The page has asked: it is told in any case.
+    void answer(const std::shared_ptr<const BlockingStatus>& status);
+
+    // The document is another one, or may not have listened so far.
+    void forgetDelivered();
+
+private:
+    struct Script;
+
+    void makeScript(const std::shared_ptr<const BlockingStatus>& status);
+    void scriptMade(std::shared_ptr<Script> script);
+    void deliver();
+
+    Executor& m_queue;
+    MainLoop& m_mainLoop;
+    PageDelivery& m_delivery;
+    std::shared_ptr<Script> m_script; // The last one made; null while it is with the queue.
+    std::shared_ptr<const BlockingStatus> m_next; // What arrived while a script was being made.
+    bool m_isMaking { false };
+    bool m_isTold { false }; // This document was told the script.
+    LifeToken m_life;
+};
+
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "fakes/FakeFilterSystem.h"
+#include "fakes/FakeMainLoop.h"
+#include "fakes/FakePorts.h"
+#include "fakes/FakeServiceManager.h"
+#include "install/ServiceInstaller.h"
+#include "setup/ComponentMonitor.h"
+#include "setup/DeviceSetupActions.h"
+#include "track/AppAlertPresenter.h"
+
+namespace brevanta {
+
+class FakeServiceInstaller final : public ServiceInstaller {
+public:
+    void begin() override { ++begun; }
+    [[nodiscard]] bool isInFlight() const override { return false; }
+
+    int begun { 0 };
+};
+
+// The two protective components with a system that does what the test says; it begins as one that answers nothing.
+struct ComponentBench {
+    ComponentBench(FakeMainLoop& theMainLoop, FakeClock& theClock, FakeSystemLog& theLog)
+        : mainLoop(theMainLoop)
+        , clock(theClock)
+        , log(theLog)
+    {
+        services.observations.isHeld = true;
+        filterSystem.preferences.isHeld = true;
+        filterSystem.properties.isHeld = true;
+    }
+
+    // From now on the system answers, and has these copies of the filter.
+    void systemAnswers(std::vector<ExtensionRecord> copies, FilterPreferences configuration)
+    {
+        filterSystem.properties.isHeld = false;
+        filterSystem.properties.result = std::move(copies);
+        filterSystem.preferences.isHeld = false;
+        filterSystem.preferences.result = configuration;
+    }
+
+    FakeMainLoop& mainLoop;
+    FakeClock& clock;
+    FakeSystemLog& log;
+    FakeUserDefaults defaults;
+    FakeServiceManager services { mainLoop };
+    FakeFilterSystem filterSystem { mainLoop };
+    FakeAlertPanel panel { mainLoop };
+    FakeWorkspace workspace { mainLoop };
+    FakeServiceInstaller installer;
+    AppAlertPresenter alerts { panel, mainLoop };
+    std::vector<ProtectiveComponent> switchedOff; // What the user was told of.
+    ComponentMonitor monitor { { .mainLoop = mainLoop,
+        .clock = clock,
+        .log = log,
+        .defaults = defaults,
+        .services = services,
+        .filterSystem = filterSystem,
+        .bundledServiceVersion = "1.2.3",
+        .postSwitchedOff = [this](ProtectiveComponent component) { switchedOff.push_back(component); } } };
+    std::vector<std::string> settingsOpened;
+    std::function<void()> endFilterActivation; // Set by the action that the page begins.
+    DeviceSetupActions deviceSetup { { .monitor = monitor,
+        .services = services,
+        .log = log,
+        .activateFilter = [this](std::function<void()> onEnd) { endFilterActivation = std::move(onEnd); },
+        .openFilterSettings = [this] { settingsOpened.emplace_back("filter"); },
+        .openLoginItems = [this] { settingsOpened.emplace_back("login items"); } } };
+};
+
+inline const ExtensionRecord activeExtension { .isEnabled = true, .shortVersion = "1.2.3", .buildVersion = "7" };
+inline constexpr FilterPreferences filterSwitchedOn { .isConfigured = true, .isEnabled = true };
+inline constexpr FilterPreferences filterSwitchedOff { .isConfigured = true, .isEnabled = false };
+
+}
