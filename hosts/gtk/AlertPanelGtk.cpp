@@ -52,7 +52,7 @@ std::shared_ptr<Gtk::MessageDialog> AlertPanelGtk::newDialog(const Alert& alert)
 {
     auto dialog = std::make_shared<Gtk::MessageDialog>(
         validUtf8(alert.message), false, messageType(alert.style), Gtk::BUTTONS_NONE, true);
-    dialog->set_title("Brevanta");
+    dialog->set_title(validUtf8(alert.message));
     dialog->set_secondary_text(validUtf8(alert.informativeText));
     // The default button stands on the right, as the desktop's own dialogs have it.
     for (auto number = static_cast<int>(alert.buttons.size()) - 1; number >= 0; --number)

@@ -1,6 +1,5 @@
 #include "gtk/WebViewGtk.h"
 
-#include "gtk/GLibText.h"
 #include "gtk/UrlGtk.h"
 #include "gtk/WebErrorMapping.h"
 #include "gtk/WebPermissionsGtk.h"
@@ -99,8 +98,8 @@ void WebViewGtk::evaluate(const std::string& script)
     if (!m_engine.view)
         return;
     const OrderedCalls::Hold hold(m_calls);
-    const auto text = validUtf8(script);
-    webkit_web_view_evaluate_javascript(m_engine.view.get(), text.c_str(), static_cast<gssize>(text.size()), nullptr,
+    // The engine takes a text that is not UTF-8 for an empty one. It is not looked at here: it may have megabytes.
+    webkit_web_view_evaluate_javascript(m_engine.view.get(), script.data(), static_cast<gssize>(script.size()), nullptr,
         nullptr, nullptr, nullptr, nullptr);
 }
 

@@ -5,16 +5,20 @@
 #include "gtk/ApplicationLifecycleGtk.h"
 #include "gtk/ClockGtk.h"
 #include "gtk/DesktopSession.h"
+#include "gtk/FilterSystemGtk.h"
 #include "gtk/MainLoopGtk.h"
 #include "gtk/MainWindowGtk.h"
 #include "gtk/NotificationCenterGtk.h"
 #include "gtk/OpenPanelGtk.h"
 #include "gtk/PlaceholderGtk.h"
+#include "gtk/PropertyListGtk.h"
+#include "gtk/ServiceManagerGtk.h"
 #include "gtk/StatusItemGtk.h"
 #include "gtk/UrlGtk.h"
 #include "gtk/UserDefaultsGtk.h"
 #include "gtk/WebViewGtk.h"
 #include "gtk/WorkspaceGtk.h"
+#include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
 #include "posix/ProgramArguments.h"
@@ -88,14 +92,34 @@ DesktopIdentity desktopIdentity(const BuildConfiguration& configuration, const s
         .desktopEntry = configuration.bundleIdentifier };
 }
 
+// As the Mac's own file states it; a root without one is as new as can be.
+SystemVersion systemVersion(const BuildConfiguration& configuration)
+{
+    const auto facts = readPropertyList(configuration.root / "System/Library/CoreServices/SystemVersion.plist");
+    const auto version = facts ? facts->find("ProductVersion") : PropertyListTexts::const_iterator {};
+    SystemVersion parsed { .major = 15, .minor = 0, .patch = 0 };
+    if (facts && version != facts->end())
+        std::sscanf(version->second.c_str(), "%d.%d.%d", &parsed.major, &parsed.minor, &parsed.patch);
+    return parsed;
+}
+
+// The group's container, which the Mac makes for its members.
+std::optional<std::filesystem::path> sharedContainer(const std::filesystem::path& home)
+{
+    auto container = home / "Library/Group Containers/group.com.brevanta.shared";
+    std::error_code error;
+    std::filesystem::create_directories(container, error);
+    return error ? std::nullopt : std::optional(std::move(container));
+}
+
 std::string newUuid()
 {
     const GLibPtr<char> uuid(g_uuid_string_random());
     return uuid.get();
 }
 
-// Everything below is destroyed from the last to the first: the delegate goes before the queue that its work runs on,
-// and the queue before the loop that its work answers to.
+// Everything below is destroyed from the last to the first: the delegate goes before the queues that its work runs
+// on, and those before the loop that their work answers to.
 int runApplication(
     const BuildConfiguration& configuration, const DesktopSession& session, const std::vector<std::string>& links)
 {
@@ -117,9 +141,16 @@ int runApplication(
     NotificationCenterGtk notifications(session.bus->gobj(), desktopIdentity(configuration, resources));
     LoginRecordsPosix loginRecords(isConsoleLine);
     LocalSocketPosix localSockets;
-    SerialQueue daemonQueue(blockAllSignals);
+    ServiceManagerGtk services(mainLoop, configuration.root);
+    FilterSystemGtk filterSystem(mainLoop, configuration.root, contents);
+    FileStorePosix files;
+    SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
+    SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
+    SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
     AppDelegate delegate({ .mainLoop = mainLoop,
                              .daemonQueue = daemonQueue,
+                             .sharedStateQueue = sharedStateQueue,
+                             .pageScriptQueue = pageScriptQueue,
                              .localSockets = localSockets,
                              .clock = clock,
                              .log = *log,
@@ -134,6 +165,11 @@ int runApplication(
                              .webView = webView,
                              .placeholder = placeholder,
                              .openPanel = openPanel,
+                             .services = services,
+                             .filterSystem = filterSystem,
+                             .files = files,
+                             .sharedContainer = [home = homeFolder(configuration)] { return sharedContainer(home); },
+                             .systemVersion = systemVersion(configuration),
                              .newUuid = newUuid,
                              .deviceName = g_get_host_name() },
         configuration);

@@ -3,23 +3,64 @@
 #include "app/FirstLoadHold.h"
 #include "app/WindowAtLaunch.h"
 #include "daemon/DaemonClient.h"
+#include "daemon/SharedBlockStateWriter.h"
 #include "daemon/SocketTransport.h"
-#include "filter/UnobservedHealth.h"
 #include "install/RemovalShellController.h"
+#include "install/ServiceInstaller.h"
 #include "menubar/MenuBarController.h"
+#include "notify/NotificationHelper.h"
 #include "platform/Clock.h"
 #include "platform/LocalSocket.h"
 #include "platform/LoginRecords.h"
 #include "platform/MainLoop.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
-#include "setup/DeviceSetup.h"
+#include "setup/ComponentMonitor.h"
+#include "setup/DeviceSetupActions.h"
+#include "track/AppAlertPresenter.h"
 #include "web/WebViewWindow.h"
 
 #include <cassert>
 #include <utility>
 
 namespace brevanta {
+
+namespace {
+
+// There is no install of the service in this client yet, and whoever asks for one is told so.
+class UnavailableInstaller final : public ServiceInstaller {
+public:
+    explicit UnavailableInstaller(AppAlertPresenter& alerts)
+        : m_alerts(alerts)
+    {
+    }
+
+    void begin() override
+    {
+        m_alerts.present({ .identifier = "installationFailed",
+                             .style = AlertStyle::warning,
+                             .message = "Installation Failed",
+                             .informativeText = "This version of Brevanta cannot install its blocking service.",
+                             .buttons = { "OK" } },
+            [](AlertResponse) { });
+    }
+
+    [[nodiscard]] bool isInFlight() const override { return false; }
+
+private:
+    AppAlertPresenter& m_alerts;
+};
+
+void postSwitchedOff(NotificationHelper& helper, ProtectiveComponent component)
+{
+    const bool isService = component == ProtectiveComponent::blockingService;
+    helper.post(isService ? "Blocking service switched off" : "Content filter switched off",
+        isService ? "Nothing is blocked on this Mac until you turn it on again in System Settings."
+                  : "Websites are not blocked on this Mac until you turn it on again in System Settings.",
+        "pf-switched-off-" + std::string(componentName(component)));
+}
+
+}
 
 AppDelegate::AppDelegate(AppPorts ports, BuildConfiguration configuration)
     : m_ports(std::move(ports))
@@ -37,12 +78,12 @@ void AppDelegate::applicationDidFinishLaunching()
     assert(m_ports.mainLoop.isMainThread());
     m_ports.lifecycle.setActivationPolicy(ActivationPolicy::regular);
     createDaemonClient();
+    createComponentMonitor();
     createWindow();
     armLaunchHold();
     createMenuBarController();
     decideWindowAtLaunch();
     m_webViewWindow->loadCoordinator().prepare();
-    settleFilterActivation();
 }
 
 void AppDelegate::applicationDidOpenUrl(const Url& url)
@@ -95,12 +136,43 @@ void AppDelegate::createDaemonClient()
         m_ports.mainLoop);
 }
 
+void AppDelegate::createComponentMonitor()
+{
+    m_sharedStateWriter = std::make_unique<SharedBlockStateWriter>(SharedBlockStateWriter::Dependencies {
+        .queue = m_ports.sharedStateQueue,
+        .files = m_ports.files,
+        .container = m_ports.sharedContainer,
+        .fileName = std::string(sharedBlockStateFileName(m_configuration.flavour == Flavour::dev ? "dev" : "prod")),
+    });
+    m_alerts = std::make_unique<AppAlertPresenter>(m_ports.alerts, m_ports.mainLoop);
+    m_notificationHelper = std::make_unique<NotificationHelper>(m_ports.notifications, m_ports.log);
+    m_installer = std::make_unique<UnavailableInstaller>(*m_alerts);
+    m_monitor = std::make_unique<ComponentMonitor>(ComponentMonitor::Dependencies {
+        .mainLoop = m_ports.mainLoop,
+        .clock = m_ports.clock,
+        .log = m_ports.log,
+        .defaults = m_ports.defaults,
+        .services = m_ports.services,
+        .filterSystem = m_ports.filterSystem,
+        .bundledServiceVersion = m_configuration.version,
+        .postSwitchedOff = [this](ProtectiveComponent component) { postSwitchedOff(*m_notificationHelper, component); },
+    });
+}
+
 void AppDelegate::createWindow()
 {
-    m_deviceSetup = std::make_unique<NoDeviceSetup>();
+    m_deviceSetup = std::make_unique<DeviceSetupActions>(DeviceSetupActions::Dependencies {
+        .monitor = *m_monitor,
+        .services = m_ports.services,
+        .log = m_ports.log,
+        .activateFilter = [this](std::function<void()> onEnd) { m_menuBarController->installFilter(std::move(onEnd)); },
+        .openFilterSettings = [this] { m_menuBarController->settingsGuide().openFilterApprovalPane(); },
+        .openLoginItems = [this] { m_menuBarController->settingsGuide().openLoginItemsSettings(); },
+    });
     m_removal = std::make_unique<RemovalShellController>(*m_daemonClient, m_ports.log);
     m_webViewWindow = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
         .mainLoop = m_ports.mainLoop,
+        .pageScriptQueue = m_ports.pageScriptQueue,
         .clock = m_ports.clock,
         .log = m_ports.log,
         .defaults = m_ports.defaults,
@@ -133,15 +205,8 @@ void AppDelegate::armLaunchHold()
     m_firstLoadHold->arm();
 }
 
-// This client activates no content filter, so there is nothing that the first load would have to wait for.
-void AppDelegate::settleFilterActivation()
-{
-    m_firstLoadHold->activationSettled({ .kind = LaunchActivationOutcome::Kind::skipped });
-}
-
 void AppDelegate::createMenuBarController()
 {
-    m_health = std::make_unique<UnobservedHealth>();
     m_menuBarController = std::make_unique<MenuBarController>(MenuBarController::Dependencies {
         .mainLoop = m_ports.mainLoop,
         .clock = m_ports.clock,
@@ -149,10 +214,17 @@ void AppDelegate::createMenuBarController()
         .statusItem = m_ports.statusItem,
         .notifications = m_ports.notifications,
         .daemonClient = *m_daemonClient,
-        .health = *m_health,
+        .workspace = m_ports.workspace,
+        .alerts = *m_alerts,
+        .monitor = *m_monitor,
+        .deviceSetup = *m_deviceSetup,
+        .installer = *m_installer,
         .webShell = m_webViewWindow.get(),
-        .consumers = { m_removal.get() },
+        .consumers = { m_sharedStateWriter.get(), m_removal.get() },
         .version = m_configuration.version,
+        .systemVersion = m_ports.systemVersion,
+        .onFilterActivationSettled
+        = [this](const LaunchActivationOutcome& outcome) { m_firstLoadHold->activationSettled(outcome); },
         .openWindow = [this] { m_webViewWindow->open(); },
         .quit = [this] { m_ports.lifecycle.terminate(); },
     });

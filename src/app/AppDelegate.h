@@ -1,21 +1,27 @@
 #pragma once
 
 #include "app/BuildConfiguration.h"
+#include "filter/SystemSettings.h"
 #include "platform/ApplicationLifecycle.h"
 #include "setup/DeviceSetupNavigation.h"
 
+#include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace brevanta {
 
 class AlertPanel;
+class AppAlertPresenter;
 class Clock;
-class ComponentHealth;
+class ComponentMonitor;
 class DaemonClient;
-class DeviceSetup;
+class DeviceSetupActions;
 class Executor;
+class FileStore;
+class FilterSystem;
 class FirstLoadHold;
 class LocalSocketConnector;
 class LoginRecords;
@@ -23,9 +29,13 @@ class MainLoop;
 class MainWindow;
 class MenuBarController;
 class NotificationCenter;
+class NotificationHelper;
 class OpenPanel;
 class Placeholder;
 class RemovalShellController;
+class ServiceInstaller;
+class ServiceManager;
+class SharedBlockStateWriter;
 class StatusItem;
 class SystemLog;
 class UserDefaults;
@@ -38,6 +48,8 @@ class Workspace;
 struct AppPorts {
     MainLoop& mainLoop;
     Executor& daemonQueue; // A serial queue of its own, for exchanges with the blocking service.
+    Executor& sharedStateQueue; // Another one, for the file that the content filter reads.
+    Executor& pageScriptQueue; // Another one, for scripts that are too large to be made on the main thread.
     LocalSocketConnector& localSockets;
     Clock& clock;
     SystemLog& log;
@@ -52,6 +64,12 @@ struct AppPorts {
     WebView& webView;
     Placeholder& placeholder;
     OpenPanel& openPanel;
+    ServiceManager& services;
+    FilterSystem& filterSystem;
+    FileStore& files;
+    // The folder that the client shares with the content filter; nothing while there is none. Any thread.
+    std::function<std::optional<std::filesystem::path>()> sharedContainer;
+    SystemVersion systemVersion;
     std::function<std::string()> newUuid; // A fresh random UUID, RFC 9562 version 4, in its usual form.
     std::string deviceName; // The name that the user gave this computer.
 };
@@ -74,17 +92,21 @@ public:
 
 private:
     void createDaemonClient();
+    void createComponentMonitor();
     void createWindow();
     void armLaunchHold();
     void createMenuBarController();
     void decideWindowAtLaunch();
-    void settleFilterActivation();
 
     AppPorts m_ports;
     BuildConfiguration m_configuration;
     std::unique_ptr<DaemonClient> m_daemonClient;
-    std::unique_ptr<ComponentHealth> m_health;
-    std::unique_ptr<DeviceSetup> m_deviceSetup;
+    std::unique_ptr<SharedBlockStateWriter> m_sharedStateWriter;
+    std::unique_ptr<AppAlertPresenter> m_alerts;
+    std::unique_ptr<NotificationHelper> m_notificationHelper;
+    std::unique_ptr<ServiceInstaller> m_installer;
+    std::unique_ptr<ComponentMonitor> m_monitor;
+    std::unique_ptr<DeviceSetupActions> m_deviceSetup;
     std::unique_ptr<RemovalShellController> m_removal;
     std::unique_ptr<WebViewWindow> m_webViewWindow;
     std::unique_ptr<FirstLoadHold> m_firstLoadHold;

@@ -2,10 +2,13 @@
 
 #include "daemon/BlockingStatus.h"
 #include "daemon/StatusConsumer.h"
-#include "filter/ComponentHealth.h"
+#include "install/ServiceInstaller.h"
 #include "platform/Clock.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
+#include "setup/ComponentMonitor.h"
+#include "setup/DeviceSetupActions.h"
+#include "track/AppAlertPresenter.h"
 #include "web/PageScripts.h"
 #include "web/WebShell.h"
 
@@ -17,6 +20,17 @@ MenuBarController::MenuBarController(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
     , m_startedAt(m_dependencies.clock.continuousSeconds())
     , m_notificationHelper(m_dependencies.notifications, m_dependencies.log)
+    , m_settingsGuide(m_dependencies.alerts, m_dependencies.workspace, m_dependencies.log, m_dependencies.systemVersion)
+    , m_upgradePrompt({ .alerts = m_dependencies.alerts,
+          .log = m_dependencies.log,
+          .decide = [this] { return m_dependencies.monitor.upgradeDecision(); },
+          .isOnboarding = [this] { return m_dependencies.deviceSetup.isOnboardingActive(); },
+          .beginInstall = [this] { m_dependencies.installer.begin(); } })
+    , m_filterPass({ .monitor = m_dependencies.monitor,
+          .notifications = m_dependencies.notifications,
+          .log = m_dependencies.log,
+          .onRead = [this] { componentsChanged(); },
+          .onSettled = m_dependencies.onFilterActivationSettled })
     , m_pollLoop(m_dependencies.mainLoop, m_dependencies.clock, m_dependencies.daemonClient, *this)
 {
     m_state.version = m_dependencies.version;
@@ -27,9 +41,20 @@ MenuBarController::MenuBarController(Dependencies dependencies)
 
 MenuBarController::~MenuBarController() { m_dependencies.statusItem.setChoiceHandler({}); }
 
-void MenuBarController::start() { m_pollLoop.start(); }
+void MenuBarController::start()
+{
+    m_dependencies.monitor.start();
+    m_pollLoop.start();
+}
 
-std::optional<Json> MenuBarController::filterHealthReport() { return m_dependencies.health.filterHealthReport(); }
+std::optional<Json> MenuBarController::filterHealthReport() { return m_dependencies.monitor.filterHealthReport(); }
+
+void MenuBarController::ticked()
+{
+    m_filterPass.run();
+    m_dependencies.monitor.refresh();
+    componentsChanged();
+}
 
 void MenuBarController::pollEnded(double startedAt, const PollResult& result)
 {
@@ -48,13 +73,13 @@ void MenuBarController::statusArrived(const std::shared_ptr<const BlockingStatus
 
     for (auto* consumer : m_dependencies.consumers)
         consumer->consume(status);
-    m_dependencies.health.pollSucceeded(*status, startedAt);
+    m_dependencies.monitor.pollSucceeded(*status, startedAt);
     postCoinNotices(*status);
     runTokenWatchdog(TokenWatchdog::Polled {
         .tokenInvalid = status->authTokenInvalid.value_or(false), .now = m_dependencies.clock.wallSeconds() });
     requestCredentialIfMissing(*status);
     rememberDisplay(*status);
-    refreshStatusItem();
+    componentsChanged();
     if (m_dependencies.webShell)
         m_dependencies.webShell->pushBlockingStatus(status);
 }
@@ -69,9 +94,9 @@ void MenuBarController::statusFailed(const DaemonFailure& failure, double starte
 
     for (auto* consumer : m_dependencies.consumers)
         consumer->serviceFailed();
-    m_dependencies.health.pollFailed(failure, startedAt);
+    m_dependencies.monitor.pollFailed(failure, startedAt);
     forgetDisplay();
-    refreshStatusItem();
+    componentsChanged();
 }
 
 void MenuBarController::pollOverdue()
@@ -134,10 +159,20 @@ void MenuBarController::forgetDisplay()
     m_state.contact = inGrace ? ServiceContact::starting : ServiceContact::unreachable;
 }
 
+// The lines, the page's view of them and the offer to update all follow from the two components' state.
+void MenuBarController::componentsChanged()
+{
+    refreshStatusItem();
+    if (m_dependencies.monitor.filterStatus() != FilterStatus::awaitingApproval)
+        m_settingsGuide.dismissApprovalAlert();
+    m_upgradePrompt.update();
+    m_dependencies.deviceSetup.componentsChanged();
+}
+
 void MenuBarController::refreshStatusItem()
 {
-    m_state.service = m_dependencies.health.serviceLine();
-    m_state.filter = m_dependencies.health.filterLine();
+    m_state.service = m_dependencies.monitor.serviceLine();
+    m_state.filter = m_dependencies.monitor.filterLine();
     m_dependencies.statusItem.show(statusItemContent(m_state));
 }
 
@@ -152,11 +187,13 @@ void MenuBarController::chosen(MenuItemId item)
         return;
     case MenuCommand::quit:
         return m_dependencies.quit();
-    // Disabled while there is nothing behind them.
-    case MenuCommand::checkForUpdates:
     case MenuCommand::contentFilter:
+        return perform(m_dependencies.monitor.filterLine().action);
     case MenuCommand::blockingService:
     case MenuCommand::restartService:
+        return perform(m_dependencies.monitor.serviceLine().action);
+    // Disabled while there is nothing behind it.
+    case MenuCommand::checkForUpdates:
     // Information.
     case MenuCommand::showVersion:
     case MenuCommand::showBlocking:
@@ -164,6 +201,58 @@ void MenuBarController::chosen(MenuItemId item)
     case MenuCommand::showReason:
         return;
     }
+}
+
+// By what the line says at this moment, which may be more recent than what the open menu shows.
+void MenuBarController::perform(ComponentAction action)
+{
+    switch (action) {
+    case ComponentAction::none:
+        return;
+    case ComponentAction::installService:
+    case ComponentAction::restartService:
+    case ComponentAction::updateService:
+        return m_dependencies.installer.begin();
+    case ComponentAction::openLoginItemsSettings:
+        return m_settingsGuide.openLoginItemsSettings();
+    case ComponentAction::activateFilter:
+        return installFilter([] { });
+    case ComponentAction::openFilterApproval:
+        return m_settingsGuide.openFilterApprovalPane();
+    }
+}
+
+void MenuBarController::installFilter(std::function<void()> onEnd)
+{
+    m_dependencies.monitor.filterManager().activate(
+        FilterRequestReason::user, m_life.guard([this, onEnd = std::move(onEnd)](const FilterRequestEnd& end) {
+            filterRequestEnded(end);
+            componentsChanged();
+            onEnd();
+        }));
+}
+
+void MenuBarController::filterRequestEnded(const FilterRequestEnd& end)
+{
+    switch (end.kept) {
+    case FilterRequestEnd::Kept::extensionOff:
+        m_dependencies.log.log("[MenuBar] tap request cancelled by our replace check; extension off: opening the pane");
+        return m_settingsGuide.openFilterApprovalPane();
+    case FilterRequestEnd::Kept::extensionEnabled:
+        m_dependencies.log.log("[MenuBar] tap request cancelled by our replace check; extension enabled: configuring");
+        return m_dependencies.monitor.filterManager().configure();
+    case FilterRequestEnd::Kept::no:
+        break;
+    }
+    if (end.outcome.kind == LaunchActivationOutcome::Kind::needsUserApproval)
+        return m_settingsGuide.showApprovalAlert();
+    if (end.outcome.kind == LaunchActivationOutcome::Kind::failed)
+        m_dependencies.alerts.present({ .identifier = "filterActivationFailed",
+                                          .style = AlertStyle::warning,
+                                          .message = "The content filter could not be turned on",
+                                          .informativeText = describe(end),
+                                          .buttons = { "OK" } },
+            [](AlertResponse) { });
 }
 
 }

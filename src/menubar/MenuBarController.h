@@ -1,7 +1,12 @@
 #pragma once
 
 #include "daemon/DaemonCredentialRecovery.h"
+#include "filter/ComponentHealth.h"
+#include "filter/FilterManager.h"
 #include "menubar/CoinNotices.h"
+#include "menubar/ContentFilterPass.h"
+#include "menubar/DaemonUpgradePrompt.h"
+#include "menubar/FilterSettingsGuide.h"
 #include "menubar/PollLoop.h"
 #include "menubar/StatusMenu.h"
 #include "menubar/TokenWatchdog.h"
@@ -14,7 +19,10 @@
 
 namespace brevanta {
 
-class ComponentHealth;
+class AppAlertPresenter;
+class ComponentMonitor;
+class DeviceSetupActions;
+class ServiceInstaller;
 class StatusConsumer;
 class SystemLog;
 class WebShell;
@@ -30,10 +38,16 @@ public:
         StatusItem& statusItem;
         NotificationCenter& notifications;
         DaemonClient& daemonClient;
-        ComponentHealth& health;
+        Workspace& workspace;
+        AppAlertPresenter& alerts;
+        ComponentMonitor& monitor;
+        DeviceSetupActions& deviceSetup;
+        ServiceInstaller& installer;
         WebShell* webShell; // Null while the client has no web application to show.
         std::vector<StatusConsumer*> consumers; // In the order in which each status is handed to them.
         std::string version;
+        SystemVersion systemVersion;
+        std::function<void(const LaunchActivationOutcome&)> onFilterActivationSettled;
         std::function<void()> openWindow;
         std::function<void()> quit;
     };
@@ -45,6 +59,12 @@ public:
     // Begins to poll. Called once.
     void start();
 
+    // Asks the system to activate the filter, or configures it. `onEnd` is called once, when the request has ended or
+    // waits for the user.
+    void installFilter(std::function<void()> onEnd);
+
+    [[nodiscard]] FilterSettingsGuide& settingsGuide() { return m_settingsGuide; }
+
     // How long after launch a service that does not answer counts as starting. The service's own start takes a few
     // seconds after a login; the length is that of the grace period after an install.
     static constexpr double startUpGrace = 20;
@@ -53,6 +73,7 @@ private:
     [[nodiscard]] std::optional<Json> filterHealthReport() override;
     void pollEnded(double startedAt, const PollResult& result) override;
     void pollOverdue() override;
+    void ticked() override;
 
     void statusArrived(const std::shared_ptr<const BlockingStatus>& status, double startedAt);
     void statusFailed(const DaemonFailure& failure, double startedAt);
@@ -62,8 +83,11 @@ private:
     void signalPage(const std::string& line);
     void rememberDisplay(const BlockingStatus& status);
     void forgetDisplay();
+    void componentsChanged();
+    void filterRequestEnded(const FilterRequestEnd& end);
     void refreshStatusItem();
     void chosen(MenuItemId item);
+    void perform(ComponentAction action);
 
     Dependencies m_dependencies;
     double m_startedAt;
@@ -73,7 +97,11 @@ private:
     CoinNotices m_coinNotices;
     TokenWatchdog m_tokenWatchdog;
     DaemonCredentialRecovery m_credentialRecovery;
+    FilterSettingsGuide m_settingsGuide;
+    DaemonUpgradePrompt m_upgradePrompt;
+    ContentFilterPass m_filterPass;
     PollLoop m_pollLoop;
+    LifeToken m_life;
 };
 
 }

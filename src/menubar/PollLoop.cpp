@@ -29,7 +29,12 @@ void PollLoop::start()
 void PollLoop::tick()
 {
     assert(m_mainLoop.isMainThread());
-    const double now = m_clock.continuousSeconds();
+    poll(m_clock.continuousSeconds());
+    m_observer.ticked();
+}
+
+void PollLoop::poll(double now)
+{
     if (m_inFlightSince) {
         if (now - *m_inFlightSince > overdueAfter)
             m_observer.pollOverdue();

@@ -26,6 +26,9 @@ public:
     // What the next request carries.
     [[nodiscard]] virtual std::optional<Json> filterHealthReport() = 0;
 
+    // The poll of this tick has been begun, or skipped because one is under way.
+    virtual void ticked() = 0;
+
     // A poll that began at `startedAt`, in continuous seconds, has ended.
     virtual void pollEnded(double startedAt, const PollResult& result) = 0;
 
@@ -49,6 +52,7 @@ public:
 
 private:
     void tick();
+    void poll(double now);
 
     MainLoop& m_mainLoop;
     Clock& m_clock;

@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 
+#include <functional>
 #include <string_view>
 
 namespace brevanta {
@@ -19,20 +20,17 @@ public:
     // What the page is told: an object with "schema" 1.
     [[nodiscard]] virtual Json state() const = 0;
 
+    // Called whenever the state may have become another one. Replaces the handler given before.
+    virtual void setChangeHandler(std::function<void()> onChange) = 0;
+
     // Another document is being shown, or the one that was is gone.
     virtual void pageChanged() = 0;
 
     // Whether the page may have the content filter removed.
     [[nodiscard]] virtual bool isFilterRemovable() const = 0;
-};
 
-// There is nothing to set up: no action, and a state that says so.
-class NoDeviceSetup final : public DeviceSetup {
-public:
-    SetupActionOutcome perform(std::string_view action) override;
-    [[nodiscard]] Json state() const override;
-    void pageChanged() override { }
-    [[nodiscard]] bool isFilterRemovable() const override { return false; }
+    // Only while it is removable.
+    virtual void removeFilter() = 0;
 };
 
 }

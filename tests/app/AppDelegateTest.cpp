@@ -1,8 +1,11 @@
 #include "app/AppDelegate.h"
 
+#include "fakes/FakeFileStore.h"
+#include "fakes/FakeFilterSystem.h"
 #include "fakes/FakeLocalSockets.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
+#include "fakes/FakeServiceManager.h"
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
 
@@ -33,6 +36,8 @@ protected:
     FakeClock clock;
     FakeMainLoop mainLoop { clock };
     ManualExecutor queue;
+    ManualExecutor sharedStateQueue;
+    ManualExecutor pageScriptQueue;
     FakeLocalSockets sockets;
     FakeSystemLog log;
     FakeUserDefaults defaults;
@@ -46,8 +51,13 @@ protected:
     FakeWebView webView;
     FakePlaceholder placeholder;
     FakeOpenPanel openPanel { mainLoop };
-    AppDelegate delegate { AppPorts { mainLoop, queue, sockets, clock, log, defaults, lifecycle, window, statusItem,
-                               alerts, workspace, notifications, loginRecords, webView, placeholder, openPanel,
+    FakeServiceManager services { mainLoop };
+    FakeFilterSystem filterSystem { mainLoop };
+    FakeFileStore files;
+    AppDelegate delegate { AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, sockets, clock, log, defaults,
+                               lifecycle, window, statusItem, alerts, workspace, notifications, loginRecords, webView,
+                               placeholder, openPanel, services, filterSystem, files,
+                               [] { return std::filesystem::path("/shared"); }, SystemVersion {},
                                [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac" },
         BuildConfiguration { .version = "0.121.0",
             .bundleIdentifier = {},

@@ -7,9 +7,10 @@
 #include "fakes/FakePorts.h"
 #include "fakes/FakeWebShell.h"
 #include "fakes/ManualExecutor.h"
-#include "filter/UnobservedHealth.h"
+#include "support/ComponentBench.h"
 #include "support/StatusReply.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace brevanta {
@@ -40,15 +41,29 @@ protected:
             .statusItem = statusItem,
             .notifications = notifications,
             .daemonClient = client,
-            .health = health,
+            .workspace = components.workspace,
+            .alerts = components.alerts,
+            .monitor = components.monitor,
+            .deviceSetup = components.deviceSetup,
+            .installer = components.installer,
             .webShell = page == Page::present ? &webShell : nullptr,
             .consumers = { &firstConsumer, &secondConsumer },
             .version = "1.2.3",
+            .systemVersion = { .major = 15, .minor = 0, .patch = 0 },
+            .onFilterActivationSettled = [this](const auto& outcome) { settled.push_back(outcome); },
             .openWindow = [this] { ++windowOpened; },
             .quit = [this] { ++quits; },
         });
         controller->start();
         settle();
+    }
+
+    // From a service that needs no update.
+    static Json replyWith(const Json& additions)
+    {
+        auto reply = statusReply({ { "daemon_version", "1.2.3" } });
+        reply.update(additions);
+        return reply;
     }
 
     void settle()
@@ -64,8 +79,13 @@ protected:
         settle();
     }
 
-    void answer(const Json& additions) { reply = statusReply(additions).dump(); }
+    void answer(const Json& additions) { reply = replyWith(additions).dump(); }
     void answer(DaemonError::Kind kind) { reply = std::unexpected(DaemonError { kind, {} }); }
+
+    [[nodiscard]] bool logs(const std::string& line) const
+    {
+        return std::ranges::find(log.lines, line) != log.lines.end();
+    }
 
     std::vector<std::string> notices() const
     {
@@ -82,13 +102,14 @@ protected:
     FakeStatusItem statusItem;
     FakeNotificationCenter notifications { mainLoop };
     FakeWebShell webShell;
-    UnobservedHealth health;
+    ComponentBench components { mainLoop, clock, log };
+    std::vector<LaunchActivationOutcome> settled;
     RecordingConsumer firstConsumer;
     RecordingConsumer secondConsumer;
     int windowOpened { 0 };
     int quits { 0 };
     int requests { 0 };
-    FakeDaemonTransport::Answer reply { statusReply().dump() };
+    FakeDaemonTransport::Answer reply { replyWith(Json::object()).dump() };
     DaemonClient client { std::make_unique<FakeDaemonTransport>([this](const Json&) {
                              ++requests;
                              return reply;
@@ -150,7 +171,7 @@ TEST_F(MenuBarControllerTest, AFailedPollShowsUnknownAndTheLoopGoesOn)
     tick();
     EXPECT_EQ(statusItem.visibleTitle(blockingTag), "Blocking: Active (9.00 Coins)");
     EXPECT_EQ(log.lines,
-        (std::vector<std::string> {
+        (std::vector<std::string> { "[DaemonUpgrade] daemon 1.2.3 is current",
             "[MenuBar] status poll failed: connectionFailed", "[MenuBar] the blocking service answers again" }));
 }
 
@@ -218,7 +239,7 @@ TEST_F(MenuBarControllerTest, ANotificationThatCannotBePostedIsLogged)
     start();
     answer({ { "energy", 0 }, { "low_lp_threshold", 1 } });
     tick();
-    EXPECT_EQ(log.lines, std::vector<std::string> { "[NotificationHelper] add failed: no server" });
+    EXPECT_EQ(log.lines.back(), "[NotificationHelper] add failed: no server");
 }
 
 TEST_F(MenuBarControllerTest, ThePageIsAskedForTheTokenAndThenReloaded)
@@ -277,6 +298,72 @@ TEST_F(MenuBarControllerTest, MenuChoicesReachTheirActions)
     EXPECT_EQ(windowOpened, 1);
     EXPECT_EQ(webShell.reloads, 1);
     EXPECT_EQ(quits, 1);
+}
+
+TEST_F(MenuBarControllerTest, EachRemedyOfTheServiceIsOneChoiceAway)
+{
+    answer({ { "daemon_version", "1.2.2" } });
+    start();
+    EXPECT_EQ(components.panel.presented.size(), 1u) << "the update is offered";
+    statusItem.choose("⚠ Update Blocking Service to 1.2.3…");
+    EXPECT_EQ(components.installer.begun, 1);
+    EXPECT_FALSE(statusItem.visibleTitle(201)) << "a restart is no remedy here";
+
+    answer(DaemonError::Kind::connectionFailed);
+    tick();
+    statusItem.choose("⚠ Install Blocking Service…");
+    EXPECT_EQ(components.installer.begun, 2);
+    components.services.programIsInstalled = true;
+    components.services.observations.answerAll();
+    tick();
+    statusItem.choose("⚠ Restart Blocking Service…");
+    statusItem.choose("Restart Blocking Service…");
+    EXPECT_EQ(components.installer.begun, 4);
+
+    components.services.observations.isHeld = false;
+    components.services.observations.result.backgroundItem = BackgroundItem::requiresApproval;
+    for (int ticks = 0; ticks < 3; ++ticks)
+        tick();
+    statusItem.choose("⚠ Blocking Service Turned Off in System Settings…");
+    EXPECT_EQ(components.installer.begun, 4);
+    EXPECT_EQ(components.workspace.opened,
+        std::vector<std::string> { "x-apple.systempreferences:com.apple.LoginItems-Settings.extension" });
+}
+
+TEST_F(MenuBarControllerTest, TheFilterIsAskedForByTheUserAndLedToItsApproval)
+{
+    components.systemAnswers({}, {});
+    start();
+    EXPECT_EQ(this->settled, std::vector { LaunchActivationOutcome {} });
+    statusItem.choose("⚠ Install Content Filter…");
+    ASSERT_EQ(components.filterSystem.requests.size(), 1u);
+    components.filterSystem.requests[0].needUserApproval();
+    settle();
+    ASSERT_EQ(components.panel.presented.size(), 1u);
+    EXPECT_EQ(components.panel.presented[0].message, "Approve the Brevanta content filter");
+    statusItem.choose("⚠ Approve Content Filter in System Settings…");
+    settle();
+    EXPECT_EQ(components.workspace.opened.size(), 1u);
+}
+
+TEST_F(MenuBarControllerTest, AFilterThatIsCurrentIsConfiguredOrLedToItsPane)
+{
+    components.systemAnswers({}, {});
+    start();
+    const auto tap = [this](bool enabled) {
+        auto existing = activeExtension;
+        existing.isEnabled = enabled;
+        statusItem.choose("⚠ Install Content Filter…");
+        components.filterSystem.requests.back().askWhetherToReplace(existing, activeExtension);
+        settle();
+    };
+    tap(false);
+    EXPECT_TRUE(logs("[MenuBar] tap request cancelled by our replace check; extension off: opening the pane"));
+    EXPECT_EQ(components.workspace.opened.size(), 1u);
+    EXPECT_EQ(components.filterSystem.enabling.asked, 0);
+    tap(true);
+    EXPECT_TRUE(logs("[MenuBar] tap request cancelled by our replace check; extension enabled: configuring"));
+    EXPECT_EQ(components.filterSystem.enabling.asked, 1);
 }
 
 TEST_F(MenuBarControllerTest, NothingHappensOnceItHasGone)

@@ -4,8 +4,8 @@
 #include "fakes/FakePorts.h"
 #include "fakes/FakeWebShell.h"
 #include "fakes/ManualExecutor.h"
-#include "filter/UnobservedHealth.h"
 #include "menubar/MenuBarController.h"
+#include "support/ComponentBench.h"
 #include "support/StatusReply.h"
 
 #include <gtest/gtest.h>
@@ -100,7 +100,7 @@ TEST(SimulatedDay, ADayOfPollsWithRandomFaultsKeepsTheMenuTrueAndLosesNoNotice)
     FakeStatusItem statusItem;
     FakeNotificationCenter notifications(mainLoop);
     FakeWebShell webShell;
-    UnobservedHealth health;
+    ComponentBench components(mainLoop, clock, log);
     RandomService service;
     DaemonClient client(
         std::make_unique<FakeDaemonTransport>([&](const Json&) { return service.answer(); }), queue, mainLoop);
@@ -111,10 +111,16 @@ TEST(SimulatedDay, ADayOfPollsWithRandomFaultsKeepsTheMenuTrueAndLosesNoNotice)
         .statusItem = statusItem,
         .notifications = notifications,
         .daemonClient = client,
-        .health = health,
+        .workspace = components.workspace,
+        .alerts = components.alerts,
+        .monitor = components.monitor,
+        .deviceSetup = components.deviceSetup,
+        .installer = components.installer,
         .webShell = &webShell,
         .consumers = {},
         .version = "0.121.0",
+        .systemVersion = {},
+        .onFilterActivationSettled = [](const auto&) { },
         .openWindow = [] { },
         .quit = [] { },
     });

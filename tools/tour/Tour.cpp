@@ -44,6 +44,7 @@ std::expected<void, std::string> Tour::play()
     showWindow();
     loadPage();
     signIn();
+    turnOnFilter();
     startAgain();
     workOnTask();
     runLow();
@@ -90,6 +91,26 @@ void Tour::signIn()
         "the page shows the status that the poll pushes");
     takePictureOfWindow("shell-usable");
     takePicture("1-window");
+}
+
+void Tour::turnOnFilter()
+{
+    m_report.tell("This machine has never had the content filter.");
+    changeSystem({ "service", "installed" });
+    changeSystem({ "service", "loaded" });
+    seeLine("✓ Blocking Service 0.121.0");
+    choose("⚠ Install Content Filter…");
+    seeLine("⚠ Approve Content Filter in System Settings…");
+    const auto& display = m_bench.display();
+    constexpr auto explanation = "Approve the Brevanta content filter";
+    m_report.sees(display.awaitWindows(explanation, 1, patience), "an alert that says what has to be allowed");
+    for (const auto& window : display.windowsTitled(explanation))
+        display.moveWindow(window, (functional::VirtualDisplay::width - window.width) / 2, windowTop + windowLeft);
+    takePicture("7-filter-approval");
+    m_report.tell("The user allows it.");
+    changeSystem({ "filter", "approve" });
+    seeLine("✓ Content Filter");
+    m_report.sees(display.awaitWindows(explanation, 0, patience), "the alert has gone by itself");
 }
 
 // What the user sees when the page is lost, and when it comes back.
@@ -206,6 +227,12 @@ void Tour::tellService(const std::string& command)
 {
     if (const auto answer = m_bench.service().command(command); !answer)
         m_report.sees(false, "the stand-in service takes \"" + command + "\": " + answer.error());
+}
+
+void Tour::changeSystem(const std::vector<std::string>& command)
+{
+    if (const auto changed = m_bench.client().changeSystem(command); !changed)
+        m_report.sees(false, changed.error());
 }
 
 void Tour::tellWeb(const std::string& command)

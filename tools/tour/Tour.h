@@ -19,6 +19,7 @@ public:
 private:
     void loadPage();
     void signIn();
+    void turnOnFilter();
     void losePage();
     void showWindow();
     void startAgain();
@@ -38,6 +39,7 @@ private:
     void showMenu(const std::string& pictureName);
     void takePicture(const std::string& name);
     void takePictureOfWindow(const std::string& name);
+    void changeSystem(const std::vector<std::string>& command);
     void tellWeb(const std::string& command);
     void seeLog(const std::string& text, const std::string& what);
     void seePage(const std::string& expression, const std::string& what);

@@ -1,0 +1,197 @@
+#include "setup/ComponentMonitor.h"
+
+#include "daemon/BlockingStatus.h"
+#include "daemon/DaemonFailure.h"
+#include "filter/ComponentLabels.h"
+#include "filter/ExtensionRecords.h"
+#include "platform/Clock.h"
+#include "platform/MainLoop.h"
+#include "platform/ServiceManager.h"
+#include "platform/SystemLog.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace brevanta {
+
+namespace {
+
+DaemonHealth::PollFailure kindOf(const DaemonFailure& failure)
+{
+    const auto* const error = std::get_if<DaemonError>(&failure);
+    return error && error->kind == DaemonError::Kind::connectionFailed ? DaemonHealth::PollFailure::notListening
+                                                                       : DaemonHealth::PollFailure::badReply;
+}
+
+}
+
+ComponentMonitor::ComponentMonitor(Dependencies dependencies)
+    : m_dependencies(std::move(dependencies))
+    , m_offNotices(m_dependencies.defaults, m_dependencies.log,
+          [this](ProtectiveComponent component, std::int64_t) { m_dependencies.postSwitchedOff(component); })
+    , m_filterManager(
+          m_dependencies.filterSystem, m_dependencies.mainLoop, m_dependencies.clock, m_dependencies.log, *this)
+{
+    m_service.bundledVersion = m_dependencies.bundledServiceVersion;
+}
+
+void ComponentMonitor::start() { checkService(); }
+
+std::optional<Json> ComponentMonitor::filterHealthReport()
+{
+    return m_reports.next(
+        filterHealth(), m_dependencies.clock.continuousSeconds(), m_dependencies.clock.rawMonotonicNanoseconds());
+}
+
+void ComponentMonitor::pollSucceeded(const BlockingStatus& status, double requestStartedAt)
+{
+    m_service.recordSuccess(status.daemonVersion, requestStartedAt);
+    logUpgradeDecision();
+    if (const auto line = m_reports.answered(status.filterHealthResult))
+        m_dependencies.log.log(*line);
+    refresh();
+}
+
+void ComponentMonitor::pollFailed(const DaemonFailure& failure, double requestStartedAt)
+{
+    m_service.recordFailure(kindOf(failure), m_dependencies.services.isProgramInstalled(), requestStartedAt);
+    const double now = m_dependencies.clock.continuousSeconds();
+    if (!m_serviceCheckedAt || now - *m_serviceCheckedAt >= serviceCheckInterval)
+        checkService();
+    refresh();
+}
+
+// The verdicts also change by time alone.
+void ComponentMonitor::refresh()
+{
+    const double now = m_dependencies.clock.continuousSeconds();
+    m_offNotices.update(ProtectiveComponent::blockingService, conclusiveReading(m_service, m_upgradeHeld, now));
+    m_offNotices.update(
+        ProtectiveComponent::contentFilter, conclusiveReading(filterHealth(), m_service, m_upgradeHeld, now));
+}
+
+ComponentLine ComponentMonitor::serviceLine() const
+{
+    return brevanta::serviceLine(
+        serviceState(), m_service.installInFlight ? InstallProgress::inFlight : InstallProgress::idle);
+}
+
+ComponentLine ComponentMonitor::filterLine() const
+{
+    const auto status = filterStatus();
+    // Whether it is our request that waits or one of an earlier run: the user has to do the same.
+    return brevanta::filterLine({ .status = status,
+        .needsInstall = status == FilterStatus::off && needsFilterInstall(),
+        .approvalRequested = status == FilterStatus::awaitingApproval });
+}
+
+DaemonHealth::State ComponentMonitor::serviceState() const
+{
+    return m_service.state(m_dependencies.clock.continuousSeconds());
+}
+
+FilterHealth ComponentMonitor::filterHealth() const
+{
+    auto health = m_storedFilter;
+    health.requestAwaitingApproval = m_filterManager.isAwaitingUserApproval();
+    return health;
+}
+
+FilterStatus ComponentMonitor::filterStatus() const
+{
+    return filterHealth().status(m_dependencies.clock.continuousSeconds());
+}
+
+bool ComponentMonitor::isFilterPresent() const
+{
+    const auto* const records = lastRecords(m_storedFilter);
+    const bool hasExtension
+        = records && std::ranges::any_of(records->records, [](const auto& record) { return !record.isUninstalling; });
+    return hasExtension || (m_preferences && m_preferences->isConfigured);
+}
+
+LaunchFilterActivationPolicy::Decision ComponentMonitor::launchFilterDecision(
+    LaunchFilterActivationPolicy::LaunchAttempt attempt) const
+{
+    return LaunchFilterActivationPolicy::decide(
+        filterHealth(), m_filterManager.bundledExtension(), attempt, m_dependencies.clock.continuousSeconds());
+}
+
+std::optional<DaemonUpgradePolicy::Decision> ComponentMonitor::upgradeDecision() const
+{
+    const auto state = serviceState();
+    const auto* const running = std::get_if<DaemonHealth::Running>(&state);
+    return running ? std::optional(running->upgrade) : std::nullopt;
+}
+
+void ComponentMonitor::setInstallInFlight(bool inFlight)
+{
+    if (m_service.installInFlight && !inFlight)
+        m_service.graceStartedAt = m_dependencies.clock.continuousSeconds();
+    m_service.installInFlight = inFlight;
+    refresh();
+}
+
+void ComponentMonitor::filterPropertiesRead(std::vector<ExtensionRecord> records, double at)
+{
+    m_storedFilter.recordProperties(std::move(records), at);
+    refresh();
+}
+
+void ComponentMonitor::filterPropertiesFailed(double at)
+{
+    m_storedFilter.recordPropertiesFailure(at, m_dependencies.clock.continuousSeconds());
+    refresh();
+}
+
+void ComponentMonitor::filterPreferencesRead(const FilterPreferences& preferences, double at)
+{
+    m_preferences = preferences;
+    m_storedFilter.config = FilterHealth::Enabled { preferences.isEnabled, at };
+    refresh();
+}
+
+void ComponentMonitor::filterPreferencesFailed(double at)
+{
+    m_storedFilter.config = FilterHealth::ConfigFailed { at };
+    refresh();
+}
+
+void ComponentMonitor::checkService()
+{
+    const double now = m_dependencies.clock.continuousSeconds();
+    m_serviceCheckedAt = now;
+    m_dependencies.services.observe(m_life.guard([this, now](const ServiceObservation& observation) {
+        m_service.launchCheck = observation.launch;
+        m_service.recordBackgroundItem(observation.backgroundItem == BackgroundItem::requiresApproval, now);
+        refresh();
+    }));
+}
+
+void ComponentMonitor::logUpgradeDecision()
+{
+    const auto decision = upgradeDecision();
+    if (!decision || decision == m_loggedDecision)
+        return;
+    m_loggedDecision = decision;
+    m_dependencies.log.log(DaemonUpgradePolicy::describe(*decision));
+}
+
+// Whether a filter that is off is so because there is nothing that could be switched on.
+bool ComponentMonitor::needsFilterInstall() const
+{
+    const double now = m_dependencies.clock.continuousSeconds();
+    switch (m_storedFilter.extensionState(now)) {
+    case FilterHealth::ExtensionState::absent:
+        return true;
+    case FilterHealth::ExtensionState::active:
+        return m_preferences && !m_preferences->isConfigured;
+    case FilterHealth::ExtensionState::awaitingApproval:
+    case FilterHealth::ExtensionState::unknown:
+        break;
+    }
+    return false;
+}
+
+}

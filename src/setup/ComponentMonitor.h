@@ -1,0 +1,92 @@
+#pragma once
+
+#include "base/LifeToken.h"
+#include "filter/ComponentHealth.h"
+#include "filter/DaemonHealth.h"
+#include "filter/FilterHealth.h"
+#include "filter/FilterHealthReport.h"
+#include "filter/FilterManager.h"
+#include "filter/LaunchFilterActivationPolicy.h"
+#include "filter/OffNoticeTracker.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace brevanta {
+
+class MainLoop;
+
+// Owns what is known of the two protective components: feeds the polls' ends and the system's answers into the health
+// values, and draws the lines, the report and the switched-off notices from them. Main thread only.
+class ComponentMonitor final : public ComponentHealth, private FilterObserver {
+public:
+    struct Dependencies {
+        MainLoop& mainLoop;
+        Clock& clock;
+        SystemLog& log;
+        UserDefaults& defaults;
+        ServiceManager& services;
+        FilterSystem& filterSystem;
+        std::string bundledServiceVersion;
+        std::function<void(ProtectiveComponent)> postSwitchedOff; // Tells the user.
+    };
+
+    // While the service fails, the system is asked about it again after so many seconds.
+    static constexpr double serviceCheckInterval = 4;
+
+    explicit ComponentMonitor(Dependencies dependencies);
+
+    // Asks the system about the service once, before anything is known from it.
+    void start();
+
+    [[nodiscard]] std::optional<Json> filterHealthReport() override;
+    void pollSucceeded(const BlockingStatus& status, double requestStartedAt) override;
+    void pollFailed(const DaemonFailure& failure, double requestStartedAt) override;
+    void refresh() override;
+    [[nodiscard]] ComponentLine serviceLine() const override;
+    [[nodiscard]] ComponentLine filterLine() const override;
+
+    [[nodiscard]] FilterManager& filterManager() { return m_filterManager; }
+
+    [[nodiscard]] DaemonHealth::State serviceState() const;
+    [[nodiscard]] FilterHealth filterHealth() const; // With what our own request waits for.
+    [[nodiscard]] FilterStatus filterStatus() const;
+
+    // There is a copy of the filter, or its configuration, that could be removed.
+    [[nodiscard]] bool isFilterPresent() const;
+
+    [[nodiscard]] LaunchFilterActivationPolicy::Decision launchFilterDecision(
+        LaunchFilterActivationPolicy::LaunchAttempt attempt) const;
+
+    // Whether an update of the service is to be offered; nothing while the service's version is not known.
+    [[nodiscard]] std::optional<DaemonUpgradePolicy::Decision> upgradeDecision() const;
+
+    // Marks that keep what we bring about ourselves from being taken for somebody else's doing.
+    void setInstallInFlight(bool inFlight);
+    void setUpgradeHeld(bool held) { m_upgradeHeld = held; }
+
+private:
+    void filterPropertiesRead(std::vector<ExtensionRecord> records, double at) override;
+    void filterPropertiesFailed(double at) override;
+    void filterPreferencesRead(const FilterPreferences& preferences, double at) override;
+    void filterPreferencesFailed(double at) override;
+
+    void checkService();
+    void logUpgradeDecision();
+    [[nodiscard]] bool needsFilterInstall() const;
+
+    Dependencies m_dependencies;
+    DaemonHealth m_service;
+    FilterHealth m_storedFilter;
+    FilterHealthReportSequence m_reports;
+    OffNoticeTracker m_offNotices;
+    FilterManager m_filterManager;
+    std::optional<FilterPreferences> m_preferences; // The last that were read.
+    std::optional<DaemonUpgradePolicy::Decision> m_loggedDecision;
+    std::optional<double> m_serviceCheckedAt;
+    bool m_upgradeHeld { false };
+    LifeToken m_life;
+};
+
+}
