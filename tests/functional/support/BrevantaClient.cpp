@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <glib.h>
 
 namespace brevanta::functional {
 
@@ -24,6 +25,8 @@ std::string prodClientExecutable()
 std::string serviceExecutable() { return pathFromEnvironment("BREVANTA_TEST_SERVICE", BREVANTA_BUILT_SERVICE); }
 
 std::string webExecutable() { return pathFromEnvironment("BREVANTA_TEST_WEB", BREVANTA_BUILT_WEB); }
+
+std::string systemExecutable() { return pathFromEnvironment("BREVANTA_TEST_SYSTEM", BREVANTA_BUILT_SYSTEM); }
 
 BrevantaClient::BrevantaClient(BrevantaClientOptions options)
     : m_options(std::move(options))
@@ -66,10 +69,12 @@ std::expected<void, std::string> BrevantaClient::installBrowser() const
     fs::permissions(program, fs::perms::owner_all, error);
     std::ofstream(applications / "browser.desktop")
         << "[Desktop Entry]\nType=Application\nName=Browser\nExec=" << program.string()
-        << " %u\nMimeType=x-scheme-handler/https;x-scheme-handler/http;\n";
+        << " %u\nMimeType=x-scheme-handler/https;x-scheme-handler/http;"
+           "x-scheme-handler/x-apple.systempreferences;\n";
     std::ofstream defaults(applications / "mimeapps.list");
     defaults << "[Default Applications]\nx-scheme-handler/https=browser.desktop\n"
                 "x-scheme-handler/http=browser.desktop\n"
+                "x-scheme-handler/x-apple.systempreferences=browser.desktop\n"
              << "x-scheme-handler/brevanta=" << desktopEntryName << '\n';
     return defaults ? std::expected<void, std::string>() : std::unexpected("no browser could be installed");
 }
@@ -121,6 +126,25 @@ std::vector<std::string> BrevantaClient::environment() const
     if (!m_options.display.empty())
         set("DISPLAY", m_options.display);
     return environment;
+}
+
+std::expected<void, std::string> BrevantaClient::changeSystem(const std::vector<std::string>& command) const
+{
+    constexpr Milliseconds patience { 10000 };
+    std::vector<std::string> commandLine { systemExecutable(), "--root", root().string() };
+    commandLine.insert(commandLine.end(), command.begin(), command.end());
+    const auto process = ChildProcess::start({ .arguments = std::move(commandLine), .environment = environment() });
+    if (!process)
+        return std::unexpected(process.error());
+    if ((*process)->awaitExit(patience) != 0)
+        return std::unexpected("the system was not changed: " + (*process)->errors().text());
+    return {};
+}
+
+std::filesystem::path BrevantaClient::sharedStateFile() const
+{
+    return root() / "Users" / g_get_user_name()
+        / "Library/Group Containers/group.com.brevanta.shared/block_state.dev.json";
 }
 
 std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::openLink(const std::string& link) const

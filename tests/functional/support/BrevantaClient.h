@@ -39,7 +39,14 @@ public:
     // Where the client keeps what it stores, and the folder that stands for the machine's.
     [[nodiscard]] std::filesystem::path root() const { return m_directory.path() / "root"; }
 
-    // The URLs that the client had opened by the user's browser, one in each line.
+    // Changes what stands for the system's side of filter and service, as the user or the system would: one command of
+    // brevanta-system. What it says went wrong, otherwise.
+    [[nodiscard]] std::expected<void, std::string> changeSystem(const std::vector<std::string>& command) const;
+
+    // The file that the client shares with the content filter.
+    [[nodiscard]] std::filesystem::path sharedStateFile() const;
+
+    // The URLs that the client had opened by the user's browser or as the system's settings, one in each line.
     [[nodiscard]] std::filesystem::path openedUrlsFile() const { return m_directory.path() / "home" / "opened-urls"; }
 
     [[nodiscard]] ChildProcess& process() { return *m_process; }
@@ -62,10 +69,11 @@ private:
 };
 
 // Where the executables to be tested are: where this build put them, unless the environment names others
-// (BREVANTA_TEST_CLIENT, BREVANTA_TEST_PROD_CLIENT, BREVANTA_TEST_SERVICE, BREVANTA_TEST_WEB).
+// (BREVANTA_TEST_CLIENT, BREVANTA_TEST_PROD_CLIENT, BREVANTA_TEST_SERVICE, BREVANTA_TEST_WEB, BREVANTA_TEST_SYSTEM).
 [[nodiscard]] std::string clientExecutable();
 [[nodiscard]] std::string prodClientExecutable();
 [[nodiscard]] std::string serviceExecutable();
 [[nodiscard]] std::string webExecutable();
+[[nodiscard]] std::string systemExecutable();
 
 }
