@@ -222,11 +222,19 @@ typedef unsigned int AEKeyword;
 @property (readonly) NSTimeInterval timeIntervalSince1970;
 @end
 
+// Documentation: NSOperatingSystemVersion; macOS 10.10.
+typedef struct {
+    NSInteger majorVersion;
+    NSInteger minorVersion;
+    NSInteger patchVersion;
+} NSOperatingSystemVersion;
+
 // Documentation: NSProcessInfo; macOS 10.0.
 @interface NSProcessInfo : NSObject
 @property (class, readonly, strong) NSProcessInfo* processInfo;
 @property (readonly) NSTimeInterval systemUptime; // macOS 10.6
 @property (readonly, copy) NSString* hostName;
+@property (readonly) NSOperatingSystemVersion operatingSystemVersion; // macOS 10.10
 @end
 
 // Documentation: NSThread; macOS 10.0.
@@ -266,6 +274,7 @@ extern NSRunLoopMode const NSDefaultRunLoopMode;
 @property (class, readonly, strong) NSFileManager* defaultManager;
 - (BOOL)fileExistsAtPath:(NSString*)path isDirectory:(nullable BOOL*)isDirectory;
 - (BOOL)fileExistsAtPath:(NSString*)path;
+- (nullable NSURL*)containerURLForSecurityApplicationGroupIdentifier:(NSString*)groupIdentifier; // macOS 10.8
 @end
 
 // Documentation: NSBundle; macOS 10.0.
