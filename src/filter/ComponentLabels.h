@@ -1,6 +1,6 @@
 #pragma once
 
-#include "filter/ComponentHealth.h"
+#include "filter/ComponentLine.h"
 #include "filter/DaemonHealth.h"
 #include "filter/FilterHealth.h"
 

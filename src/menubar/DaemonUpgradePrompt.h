@@ -24,7 +24,7 @@ public:
 
     explicit DaemonUpgradePrompt(Dependencies dependencies);
 
-    // Shows or takes back the offer; called after each poll, and when the set-up begins or ends.
+    // Shows or takes back the offer, by what is true now. Called at each tick and whenever something was learnt.
     void update();
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "daemon/DaemonCredentialRecovery.h"
-#include "filter/ComponentHealth.h"
+#include "filter/ComponentLine.h"
 #include "filter/FilterManager.h"
 #include "menubar/CoinNotices.h"
 #include "menubar/ContentFilterPass.h"

@@ -38,7 +38,7 @@ ComponentMonitor::ComponentMonitor(Dependencies dependencies)
 
 void ComponentMonitor::start() { checkService(); }
 
-std::optional<Json> ComponentMonitor::filterHealthReport()
+Json ComponentMonitor::filterHealthReport()
 {
     return m_reports.next(
         filterHealth(), m_dependencies.clock.continuousSeconds(), m_dependencies.clock.rawMonotonicNanoseconds());

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "base/Json.h"
 #include "base/LifeToken.h"
-#include "filter/ComponentHealth.h"
+#include "daemon/DaemonFailure.h"
+#include "filter/ComponentLine.h"
 #include "filter/DaemonHealth.h"
 #include "filter/FilterHealth.h"
 #include "filter/FilterHealthReport.h"
@@ -16,10 +18,11 @@
 namespace brevanta {
 
 class MainLoop;
+struct BlockingStatus;
 
 // Owns what is known of the two protective components: feeds the polls' ends and the system's answers into the health
 // values, and draws the lines, the report and the switched-off notices from them. Main thread only.
-class ComponentMonitor final : public ComponentHealth, private FilterObserver {
+class ComponentMonitor final : private FilterObserver {
 public:
     struct Dependencies {
         MainLoop& mainLoop;
@@ -40,12 +43,18 @@ public:
     // Asks the system about the service once, before anything is known from it.
     void start();
 
-    [[nodiscard]] std::optional<Json> filterHealthReport() override;
-    void pollSucceeded(const BlockingStatus& status, double requestStartedAt) override;
-    void pollFailed(const DaemonFailure& failure, double requestStartedAt) override;
-    void refresh() override;
-    [[nodiscard]] ComponentLine serviceLine() const override;
-    [[nodiscard]] ComponentLine filterLine() const override;
+    // The report that goes with the next status request.
+    [[nodiscard]] Json filterHealthReport();
+
+    // How a status request ended that began at `requestStartedAt`, in continuous seconds.
+    void pollSucceeded(const BlockingStatus& status, double requestStartedAt);
+    void pollFailed(const DaemonFailure& failure, double requestStartedAt);
+
+    // Draws the consequences of the time that has passed.
+    void refresh();
+
+    [[nodiscard]] ComponentLine serviceLine() const;
+    [[nodiscard]] ComponentLine filterLine() const;
 
     [[nodiscard]] FilterManager& filterManager() { return m_filterManager; }
 

@@ -47,7 +47,11 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
     m_dependencies.deviceSetup.setChangeHandler([this] { m_stateMessages.deviceSetupChanged(); });
 }
 
-WebViewBridge::~WebViewBridge() { m_dependencies.removal.setObserver({}); }
+WebViewBridge::~WebViewBridge()
+{
+    m_dependencies.removal.setObserver({});
+    m_dependencies.deviceSetup.setChangeHandler({});
+}
 
 // The order in which a message is compared.
 void WebViewBridge::buildTable()

@@ -33,7 +33,7 @@ protected:
         settle();
     }
 
-    [[nodiscard]] std::string reported() { return monitor.filterHealthReport().value().at("state").get<std::string>(); }
+    [[nodiscard]] std::string reported() { return monitor.filterHealthReport().at("state").get<std::string>(); }
 
     FakeClock clock;
     FakeMainLoop mainLoop { clock };
