@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace brevanta::web {
 
@@ -43,6 +44,8 @@ void PageDriver::handle(SoupServerMessage* message, const std::string& path)
         sendScript(message, path.substr(scriptPrefix.size()));
     else if (path == "/driver/result" && method == "POST")
         takeResult(message);
+    else if (path == "/driver/left" && method == "POST")
+        takeLeaving(message);
     else
         respondWithStatus(message, SOUP_STATUS_NOT_FOUND);
 }
@@ -63,13 +66,17 @@ void PageDriver::tellNext(SoupServerMessage* message)
     });
 }
 
-void PageDriver::sendScript(SoupServerMessage* message, const std::string& number)
+void PageDriver::sendScript(SoupServerMessage* message, const std::string& numberAndDocument)
 {
+    const auto slash = std::min(numberAndDocument.find('/'), numberAndDocument.size());
+    const auto number = numberAndDocument.substr(0, slash);
+    const auto document = numberAndDocument.substr(slash);
     const auto parsed = service::parseCount(number, static_cast<std::size_t>(m_lastNumber));
     const auto found = parsed ? m_evaluations.find(*parsed) : m_evaluations.end();
-    if (found == m_evaluations.end() || found->second.wasFetched)
+    if (found == m_evaluations.end() || found->second.wasFetched || m_leftDocuments.contains(document))
         return respondWithStatus(message, SOUP_STATUS_NOT_FOUND);
     found->second.wasFetched = true;
+    found->second.document = document;
     // The expression may end with a comment, hence the line of its own.
     respond(message, SOUP_STATUS_OK, "text/javascript; charset=utf-8",
         "brevantaDriver.run(" + number + ", async () => (\n" + found->second.expression + "\n));\n");
@@ -104,6 +111,26 @@ void PageDriver::takeResult(SoupServerMessage* message)
         return respondWithStatus(message, SOUP_STATUS_BAD_REQUEST);
     soup_server_message_set_status(message, SOUP_STATUS_NO_CONTENT, nullptr);
     finish(number->get<std::uint64_t>(), *result);
+}
+
+void PageDriver::takeLeaving(SoupServerMessage* message)
+{
+    const auto report = service::parseJson(requestBody(message));
+    if (!report || !report->is_object())
+        return respondWithStatus(message, SOUP_STATUS_BAD_REQUEST);
+    const auto name = report->find("document");
+    if (name == report->end() || !name->is_string())
+        return respondWithStatus(message, SOUP_STATUS_BAD_REQUEST);
+    soup_server_message_set_status(message, SOUP_STATUS_NO_CONTENT, nullptr);
+    const auto document = "/" + name->get<std::string>();
+    m_leftDocuments.insert(document);
+    std::vector<std::uint64_t> numbers;
+    for (const auto& [number, evaluation] : m_evaluations) {
+        if (evaluation.wasFetched && evaluation.document == document)
+            numbers.push_back(number);
+    }
+    for (const auto number : numbers)
+        finish(number, fail("the page was left before it answered"));
 }
 
 void PageDriver::finish(std::uint64_t number, const Result& result)

@@ -19,9 +19,10 @@ protected:
     {
         return client().get(url("/driver/script/" + number));
     }
-    [[nodiscard]] unsigned report(const std::string& body) const
+    [[nodiscard]] unsigned report(const std::string& body) const { return post("/driver/result", body); }
+    [[nodiscard]] unsigned post(const std::string& path, const std::string& body) const
     {
-        return client().send(url("/driver/result"), { .method = "POST", .body = body })->await().status;
+        return client().send(url(path), { .method = "POST", .body = body })->await().status;
     }
 };
 
@@ -61,6 +62,28 @@ TEST_F(WebToolDriver, APageThatHasGoneTakesNothingWithIt)
     EXPECT_EQ(fetchScript("1").status, 404u) << "no expression is run twice";
     EXPECT_EQ(report(R"({"number":1,"json":"1"})"), 204u);
     EXPECT_EQ(evaluation->await(), "ok 1");
+}
+
+TEST_F(WebToolDriver, APageThatIsLeftEndsWhatItHasFetchedAndNothingElse)
+{
+    const auto lost = begin("evaluate lost");
+    ASSERT_EQ(fetchScript(askForNumber() + "/old").status, 200u);
+    const auto kept = begin("evaluate kept");
+    const auto keptNumber = askForNumber();
+    ASSERT_EQ(fetchScript(keptNumber + "/other").status, 200u);
+    EXPECT_EQ(post("/driver/left", R"({"document":"old"})"), 204u);
+    EXPECT_EQ(lost->await(), "error: the page was left before it answered");
+
+    const auto next = begin("evaluate next");
+    const auto nextNumber = askForNumber();
+    EXPECT_EQ(fetchScript(nextNumber + "/old").status, 404u) << "a request may arrive after the page has gone";
+    EXPECT_EQ(fetchScript(nextNumber + "/new").status, 200u);
+    for (const auto& number : { keptNumber, nextNumber })
+        EXPECT_EQ(report("{\"number\":" + number + R"(,"json":"1"})"), 204u);
+    EXPECT_EQ(kept->await(), "ok 1");
+    EXPECT_EQ(next->await(), "ok 1");
+    for (const auto* each : { "x", "[]", "{}", R"({"document":1})" })
+        EXPECT_EQ(post("/driver/left", each), 400u) << each;
 }
 
 TEST_F(WebToolDriver, SeveralEvaluationsMayBeUnderWayAndHoldUpNobody)

@@ -3,15 +3,21 @@
 
 const brevantaDriver = (() => {
     const pauseAfterFailure = 500;
+    // Tells this document from the one before it, which may still be asking.
+    const thisDocument = Math.random().toString(36).slice(2);
 
-    async function report(number, outcome) {
+    async function post(path, report) {
         // It is to arrive even when the page is being left.
-        await fetch('/driver/result', {
+        await fetch(path, {
             method: 'POST',
             keepalive: true,
             headers: { 'Content-Type': 'application/json' },
-            body: JSON.stringify({ number, ...outcome }),
+            body: JSON.stringify(report),
         });
+    }
+
+    function report(number, outcome) {
+        return post('/driver/result', { number, ...outcome });
     }
 
     async function run(number, expression) {
@@ -29,7 +35,7 @@ const brevantaDriver = (() => {
     function load(number) {
         return new Promise((resolve) => {
             const script = document.createElement('script');
-            script.src = `/driver/script/${number}`;
+            script.src = `/driver/script/${number}/${thisDocument}`;
             const noteError = (event) => {
                 // An expression that cannot be parsed.
                 if (event.filename === script.src)
@@ -60,6 +66,9 @@ const brevantaDriver = (() => {
             }
         }
     }
+
+    // What it fetched and has not answered by now is never answered.
+    window.addEventListener('pagehide', () => post('/driver/left', { document: thisDocument }).catch(() => {}));
 
     // The page's own load is over first, so that nothing of this counts as a part of it.
     if (document.readyState === 'complete')
