@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <expected>
 #include <filesystem>
@@ -27,7 +28,13 @@ struct FileStamp {
 };
 
 struct FileStoreError {
+    enum class Kind {
+        failed,
+        missing, // There is no file at the path; only reading tells it apart.
+    };
+
     std::string message; // In English, for the log; without the file's path and contents.
+    Kind kind { Kind::failed };
 
     bool operator==(const FileStoreError&) const = default;
 };
@@ -46,6 +53,15 @@ public:
 
     // Nothing when there is no file at the path, or it cannot be looked at.
     [[nodiscard]] virtual std::optional<FileStamp> stamp(const std::filesystem::path& path) const = 0;
+
+    // The whole contents of the file, or of the one that a link at the path leads to. A file of more than `largestRead`
+    // bytes, and what is no file, cannot be read.
+    static constexpr std::size_t largestRead { 1024UL * 1024UL };
+    [[nodiscard]] virtual std::expected<std::string, FileStoreError> read(const std::filesystem::path& path) const = 0;
+
+    // Makes the folder, and those above it that are missing, with the permissions that new folders of this process
+    // have. One that is there already, or a link to one, stays as it is.
+    [[nodiscard]] virtual std::expected<void, FileStoreError> createFolder(const std::filesystem::path& path) = 0;
 };
 
 }

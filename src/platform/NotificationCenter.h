@@ -2,17 +2,32 @@
 
 #include <expected>
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace brevanta {
 
+// What a notification carries unseen, for the click on it.
+using NotificationUserInfo = std::map<std::string, std::string>;
+
 struct Notification {
     std::string identifier; // A later notification with the same identifier takes this one's place.
     std::string title;
     std::string body; // Plain text; the adapter escapes what its service would read as markup.
+    std::optional<std::string> sound {}; // A file's name without a folder; nothing for the system's own sound.
+    NotificationUserInfo userInfo {};
 
     bool operator==(const Notification&) const = default;
+};
+
+// The user clicked a notification of this application.
+struct NotificationResponse {
+    std::string identifier;
+    NotificationUserInfo userInfo;
+
+    bool operator==(const NotificationResponse&) const = default;
 };
 
 struct NotificationError {
@@ -42,6 +57,11 @@ public:
 
     // Takes delivered notifications off the screen and out of the list; unknown identifiers are ignored.
     virtual void removeDelivered(const std::vector<std::string>& identifiers) = 0;
+
+    // Called on the main thread for each click, never from inside a call of this class. Clicks that came while there
+    // was no handler, such as the one that started the application, reach the next handler in their order; an empty
+    // function takes the handler away.
+    virtual void setResponseHandler(std::function<void(const NotificationResponse&)> handler) = 0;
 };
 
 }

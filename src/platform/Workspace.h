@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -19,6 +20,16 @@ struct ApplicationFacts {
     bool operator==(const ApplicationFacts&) const = default;
 };
 
+// A running application that the user sees as one; menu-bar helpers and other background programs count as none.
+struct RunningApplication {
+    std::string bundleIdentifier; // Not empty; several processes may share it.
+    std::int32_t processId { 0 };
+
+    auto operator<=>(const RunningApplication&) const = default;
+};
+
+enum class ApplicationChange { launched, terminated };
+
 // The desktop around the application. Main thread only.
 class Workspace {
 public:
@@ -37,6 +48,19 @@ public:
     // The icon of the file at this path as a PNG image (RFC 2083) of `pixels` by `pixels`, RGBA on a transparent
     // ground; empty when none can be drawn.
     [[nodiscard]] virtual std::vector<std::uint8_t> iconPng(const std::string& path, int pixels) const = 0;
+
+    // Tells of each application that launches or terminates from now on, on the main thread, never from inside a call
+    // of this class, and once `runningApplications` shows it. Takes the place of the handler before; an empty one ends
+    // it.
+    virtual void setApplicationHandler(
+        std::function<void(ApplicationChange change, const RunningApplication& application)> handler)
+        = 0;
+
+    // In no order.
+    [[nodiscard]] virtual std::vector<RunningApplication> runningApplications() const = 0;
+
+    // The application's name in the user's language, not empty; nothing when no such application is known.
+    [[nodiscard]] virtual std::optional<std::string> displayNameOf(const std::string& bundleIdentifier) const = 0;
 };
 
 }

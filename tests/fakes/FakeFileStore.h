@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <set>
 #include <vector>
 
 namespace brevanta {
@@ -36,6 +37,30 @@ public:
         const std::lock_guard lock(m_mutex);
         const auto found = m_files.find(path);
         return found != m_files.end() ? std::optional(found->second.stamp) : std::nullopt;
+    }
+
+    [[nodiscard]] std::expected<std::string, FileStoreError> read(const std::filesystem::path& path) const override
+    {
+        const std::lock_guard lock(m_mutex);
+        if (const auto unreadable = readFailures.find(path); unreadable != readFailures.end())
+            return std::unexpected(unreadable->second);
+        const auto found = m_files.find(path);
+        if (found == m_files.end())
+            return std::unexpected(FileStoreError { .message = "no such file", .kind = FileStoreError::Kind::missing });
+        if (found->second.contents.size() > largestRead)
+            return std::unexpected(FileStoreError { "too large" });
+        return found->second.contents;
+    }
+
+    [[nodiscard]] std::expected<void, FileStoreError> createFolder(const std::filesystem::path& path) override
+    {
+        const std::lock_guard lock(m_mutex);
+        if (folderFailure)
+            return std::unexpected(*folderFailure);
+        if (m_files.contains(path))
+            return std::unexpected(FileStoreError { "is a file" });
+        m_folders.insert(path);
+        return {};
     }
 
     // As another process would do it.
@@ -70,7 +95,15 @@ public:
         return found != m_files.end() ? std::optional(found->second.permissions) : std::nullopt;
     }
 
+    [[nodiscard]] std::set<std::filesystem::path> folders() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_folders;
+    }
+
     std::optional<FileStoreError> failure; // What every replacement ends with.
+    std::optional<FileStoreError> folderFailure; // What every making of a folder ends with.
+    std::map<std::filesystem::path, FileStoreError> readFailures; // What reading these files ends with.
     std::function<void()> whileWriting; // Called at the beginning of each replacement.
 
 private:
@@ -93,6 +126,7 @@ private:
 
     mutable std::mutex m_mutex;
     std::map<std::filesystem::path, File> m_files;
+    std::set<std::filesystem::path> m_folders; // Those that were asked for.
     std::vector<Write> m_writes;
     std::uint64_t m_lastInode { 0 };
 };

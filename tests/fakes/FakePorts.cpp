@@ -1,6 +1,7 @@
 #include "fakes/FakePorts.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace brevanta {
 
@@ -166,6 +167,37 @@ std::vector<std::uint8_t> FakeWorkspace::iconPng(const std::string&, int pixels)
     return icon;
 }
 
+void FakeWorkspace::setApplicationHandler(std::function<void(ApplicationChange, const RunningApplication&)> handler)
+{
+    m_applicationHandler = std::move(handler);
+    m_registration.emplace();
+}
+
+std::optional<std::string> FakeWorkspace::displayNameOf(const std::string& bundleIdentifier) const
+{
+    const auto found = displayNames.find(bundleIdentifier);
+    return found == displayNames.end() ? std::nullopt : std::optional(found->second);
+}
+
+void FakeWorkspace::launch(const RunningApplication& application)
+{
+    m_running.push_back(application);
+    tell(ApplicationChange::launched, application);
+}
+
+void FakeWorkspace::quit(const RunningApplication& application)
+{
+    if (std::erase(m_running, application))
+        tell(ApplicationChange::terminated, application);
+}
+
+void FakeWorkspace::tell(ApplicationChange change, const RunningApplication& application)
+{
+    if (m_applicationHandler)
+        m_mainLoop.post(m_registration->guard(
+            [handler = m_applicationHandler, change, application] { handler(change, application); }));
+}
+
 void FakeNotificationCenter::getAuthorization(std::function<void(NotificationAuthorization)> onEnd)
 {
     m_mainLoop.post([onEnd = std::move(onEnd), answer = authorization] { onEnd(answer); });
@@ -173,9 +205,40 @@ void FakeNotificationCenter::getAuthorization(std::function<void(NotificationAut
 
 void FakeNotificationCenter::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
 {
+    ++requests;
+    if (holdsRequests)
+        return m_held.push_back(std::move(onEnd));
     if (authorization == NotificationAuthorization::notDetermined)
         authorization = answerOfUser;
     getAuthorization(std::move(onEnd));
+}
+
+void FakeNotificationCenter::answerHeldRequests(NotificationAuthorization answer)
+{
+    authorization = answer;
+    for (auto& onEnd : std::exchange(m_held, {}))
+        getAuthorization(std::move(onEnd));
+}
+
+void FakeNotificationCenter::setResponseHandler(std::function<void(const NotificationResponse&)> handler)
+{
+    m_responseHandler = std::move(handler);
+    if (m_responseHandler)
+        m_mainLoop.post([this] { tellResponses(); });
+}
+
+void FakeNotificationCenter::click(const NotificationResponse& response)
+{
+    m_responses.push_back(response);
+    m_mainLoop.post([this] { tellResponses(); });
+}
+
+void FakeNotificationCenter::tellResponses()
+{
+    if (!m_responseHandler)
+        return;
+    for (const auto& response : std::exchange(m_responses, {}))
+        m_responseHandler(response);
 }
 
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Executor.h"
+#include "base/LifeToken.h"
 #include "platform/AlertPanel.h"
 #include "platform/ApplicationLifecycle.h"
 #include "platform/LoginRecords.h"
@@ -151,15 +152,27 @@ public:
     void openFolder(const std::string& path, std::function<void(OpenOutcome)> onEnd) override;
     [[nodiscard]] std::optional<ApplicationFacts> applicationAt(const std::string& path) const override;
     [[nodiscard]] std::vector<std::uint8_t> iconPng(const std::string& path, int pixels) const override;
+    void setApplicationHandler(std::function<void(ApplicationChange, const RunningApplication&)> handler) override;
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() const override { return m_running; }
+    [[nodiscard]] std::optional<std::string> displayNameOf(const std::string& bundleIdentifier) const override;
+
+    void launch(const RunningApplication& application);
+    void quit(const RunningApplication& application); // As a quit of what does not run: nothing happens.
 
     std::vector<std::string> opened;
     OpenOutcome outcome { OpenOutcome::opened };
     std::map<std::string, ApplicationFacts> applications; // By path.
     std::vector<std::uint8_t> icon;
     mutable std::vector<int> iconSizes; // What icons were asked for.
+    std::map<std::string, std::string> displayNames; // By bundle identifier.
 
 private:
+    void tell(ApplicationChange change, const RunningApplication& application);
+
     Executor& m_mainLoop;
+    std::vector<RunningApplication> m_running;
+    std::function<void(ApplicationChange, const RunningApplication&)> m_applicationHandler;
+    std::optional<LifeToken> m_registration; // Of the handler.
 };
 
 class FakeNotificationCenter final : public NotificationCenter {
@@ -174,7 +187,16 @@ public:
     void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
     void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
     void removeDelivered(const std::vector<std::string>& identifiers) override;
+    void setResponseHandler(std::function<void(const NotificationResponse&)> handler) override;
 
+    // As the user would; told like the real ones, also when nobody listens yet.
+    void click(const NotificationResponse& response);
+
+    // What was asked while `holdsRequests` is answered as the user decides now.
+    void answerHeldRequests(NotificationAuthorization answer);
+
+    bool holdsRequests { false };
+    int requests { 0 };
     NotificationAuthorization authorization { NotificationAuthorization::notDetermined };
     NotificationAuthorization answerOfUser { NotificationAuthorization::authorized }; // When first asked.
     std::vector<Notification> added;
@@ -182,7 +204,12 @@ public:
     std::optional<NotificationError> failure; // What every add ends with.
 
 private:
+    void tellResponses();
+
     Executor& m_mainLoop;
+    std::vector<std::function<void(NotificationAuthorization)>> m_held;
+    std::function<void(const NotificationResponse&)> m_responseHandler;
+    std::vector<NotificationResponse> m_responses; // That nobody was told of yet.
 };
 
 class FakeLoginRecords final : public LoginRecords {
