@@ -1,23 +1,25 @@
 #pragma once
 
+#include "notify/SystemNotificationCenterClient.h"
+
 #include <string>
 
 namespace brevanta {
 
-class NotificationCenter;
 class SystemLog;
 
 // The one path by which the client posts notifications. Main thread only.
 class NotificationHelper {
 public:
-    NotificationHelper(NotificationCenter& center, SystemLog& log);
+    NotificationHelper(SystemNotificationCenterClient& center, SystemLog& log);
 
-    // Delivers at once; a notification on screen with the same identifier is replaced. A failure is logged, and the
-    // notification dropped.
-    void post(const std::string& title, const std::string& body, const std::string& identifier);
+    // Delivers at once, or as soon as the user's permission is known; a notification on screen with the same identifier
+    // is replaced. The identifier chooses the sound too. What cannot be posted is logged and dropped.
+    void post(const std::string& title, const std::string& body, const std::string& identifier,
+        NotificationUserInfo userInfo = {}, PostLimits limits = {});
 
 private:
-    NotificationCenter& m_center;
+    SystemNotificationCenterClient& m_center;
     SystemLog& m_log;
 };
 

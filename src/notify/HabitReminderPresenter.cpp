@@ -1,0 +1,42 @@
+#include "notify/HabitReminderPresenter.h"
+
+#include "notify/SeenIdentifiers.h"
+
+namespace brevanta {
+
+namespace {
+
+constexpr auto seenKey = "habitReminders.seenEventIds";
+
+}
+
+HabitReminderPresenter::HabitReminderPresenter(UserDefaults& defaults)
+    : m_defaults(defaults)
+    , m_generation(defaults)
+{
+}
+
+std::vector<HabitReminderPresenter::Notification> HabitReminderPresenter::deliver(
+    const std::vector<PendingReminder>& reminders, std::int64_t generation)
+{
+    if (reminders.empty())
+        return {};
+    SeenIdentifiers seen(m_defaults.get(seenKey));
+    const auto fresh = seen.takeFresh(reminders, &PendingReminder::eventId);
+    if (fresh.empty())
+        return {};
+    m_defaults.set(seenKey, seen.newest());
+    if (!m_generation.allows(generation))
+        return {};
+
+    std::vector<Notification> notifications;
+    notifications.reserve(fresh.size());
+    for (const auto* const reminder : fresh)
+        notifications.push_back({ .identifier = "intraday-" + std::to_string(reminder->eventId),
+            .title = reminder->notificationTitle,
+            .body = reminder->body,
+            .generation = generation });
+    return notifications;
+}
+
+}

@@ -1,0 +1,29 @@
+#include "notify/SeenIdentifiers.h"
+
+#include <algorithm>
+
+namespace brevanta {
+
+SeenIdentifiers::SeenIdentifiers(const std::optional<DefaultsValue>& stored)
+{
+    if (const auto* const list = stored ? std::get_if<std::vector<std::int64_t>>(&*stored) : nullptr)
+        m_inOrder = *list;
+    m_known.insert(m_inOrder.begin(), m_inOrder.end());
+}
+
+bool SeenIdentifiers::admit(std::int64_t identifier)
+{
+    const bool isNew = m_known.insert(identifier).second;
+    if (isNew)
+        m_inOrder.push_back(identifier);
+    return isNew;
+}
+
+// Only what is stored is cut, so that a notice that a long batch holds twice is still known at its second place.
+std::vector<std::int64_t> SeenIdentifiers::newest() const
+{
+    const auto count = static_cast<std::ptrdiff_t>(std::min(m_inOrder.size(), most));
+    return { m_inOrder.end() - count, m_inOrder.end() };
+}
+
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/UserDefaults.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace brevanta {
+
+// The identifiers of the notices that were handled already, oldest first. A pure value.
+class SeenIdentifiers {
+public:
+    // More are forgotten, the oldest first.
+    static constexpr std::size_t most = 200;
+
+    // As it was stored; what is absent or no list of integers counts as empty.
+    explicit SeenIdentifiers(const std::optional<DefaultsValue>& stored);
+
+    // The records that were not seen before, in their order; they count as seen from now on.
+    template <typename Record>
+    [[nodiscard]] std::vector<const Record*> takeFresh(
+        const std::vector<Record>& records, std::int64_t Record::* identifier)
+    {
+        std::vector<const Record*> fresh;
+        for (const auto& record : records) {
+            if (admit(record.*identifier))
+                fresh.push_back(&record);
+        }
+        return fresh;
+    }
+
+    // The newest, to be stored.
+    [[nodiscard]] std::vector<std::int64_t> newest() const;
+
+private:
+    bool admit(std::int64_t identifier);
+
+    std::vector<std::int64_t> m_inOrder;
+    std::unordered_set<std::int64_t> m_known; // The same, to be found quickly.
+};
+
+}
