@@ -2,6 +2,8 @@
 
 #include "gtk/GLibText.h"
 
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace brevanta {
@@ -10,8 +12,10 @@ namespace {
 
 constexpr auto serviceName = "org.freedesktop.Notifications";
 constexpr auto servicePath = "/org/freedesktop/Notifications";
+constexpr auto defaultActionName = "default";
 constexpr int answerMilliseconds = 5000;
 constexpr int serviceDecidesExpiry = -1;
+constexpr unsigned mostCallsUnderway = 16;
 
 GVariant* text(const std::string& words) { return g_variant_new_string(validUtf8(words).c_str()); }
 
@@ -21,14 +25,26 @@ GVariant* hints(const DesktopNotification& notification, const DesktopIdentity& 
     g_variant_builder_init(&builder, G_VARIANT_TYPE_VARDICT);
     g_variant_builder_add(&builder, "{sv}", "desktop-entry", text(identity.desktopEntry));
     g_variant_builder_add(&builder, "{sv}", "x-brevanta-identifier", text(notification.identifier));
+    if (notification.sound && notification.sound->file.empty())
+        g_variant_builder_add(&builder, "{sv}", "sound-name", text(themeSoundOfNotifications));
+    else if (notification.sound)
+        g_variant_builder_add(&builder, "{sv}", "sound-file", text(notification.sound->file.string()));
     return g_variant_builder_end(&builder);
+}
+
+// Pairs of an action's name and its words; the default one is a click on the notification itself.
+GVariant* actions(const DesktopNotification& notification)
+{
+    const char* const defaultAction[] = { defaultActionName, "Open" };
+    return notification.isClickable ? g_variant_new_strv(defaultAction, std::size(defaultAction))
+                                    : g_variant_new_strv(nullptr, 0);
 }
 
 GVariant* notifyArguments(const DesktopNotification& notification, const DesktopIdentity& identity)
 {
     return g_variant_new("(@su@s@s@s@as@a{sv}i)", text(identity.name), notification.replaces, text(identity.iconUri),
-        text(notification.summary), text(notification.body), g_variant_new_strv(nullptr, 0),
-        hints(notification, identity), serviceDecidesExpiry);
+        text(notification.summary), text(notification.body), actions(notification), hints(notification, identity),
+        serviceDecidesExpiry);
 }
 
 }
@@ -38,8 +54,8 @@ FreedesktopNotifications::FreedesktopNotifications(GDBusConnection* bus, Desktop
     , m_identity(std::move(identity))
     , m_observer(std::move(observer))
     , m_ended(g_cancellable_new())
-    , m_subscription(g_dbus_connection_signal_subscribe(bus, serviceName, serviceName, "NotificationClosed",
-          servicePath, nullptr, G_DBUS_SIGNAL_FLAGS_NONE, signalled, this, nullptr))
+    , m_closedSubscription(subscribe("NotificationClosed", closed))
+    , m_actionSubscription(subscribe("ActionInvoked", actionInvoked))
     , m_watch(bus, serviceName, [this] { m_observer.serviceLost(); })
 {
 }
@@ -47,7 +63,8 @@ FreedesktopNotifications::FreedesktopNotifications(GDBusConnection* bus, Desktop
 FreedesktopNotifications::~FreedesktopNotifications()
 {
     g_cancellable_cancel(m_ended.get());
-    g_dbus_connection_signal_unsubscribe(m_bus.get(), m_subscription);
+    g_dbus_connection_signal_unsubscribe(m_bus.get(), m_closedSubscription);
+    g_dbus_connection_signal_unsubscribe(m_bus.get(), m_actionSubscription);
 }
 
 void FreedesktopNotifications::askCapabilities(Answer<std::vector<std::string>> answer)
@@ -80,25 +97,56 @@ void FreedesktopNotifications::close(std::uint32_t number)
     call("CloseNotification", g_variant_new("(u)", number), nullptr, [](auto) { });
 }
 
+struct FreedesktopNotifications::Underway {
+    FreedesktopNotifications* notifications; // Gone when the call was cancelled.
+    Reply reply;
+};
+
 void FreedesktopNotifications::call(const char* method, GVariant* arguments, const GVariantType* replyType, Reply reply)
 {
-    g_dbus_connection_call(m_bus.get(), serviceName, servicePath, serviceName, method, arguments, replyType,
-        G_DBUS_CALL_FLAGS_NONE, answerMilliseconds, m_ended.get(), called, new Reply(std::move(reply)));
+    m_calls.push_back({ .method = method,
+        .arguments = GLibPtr<GVariant>(arguments ? g_variant_ref_sink(arguments) : nullptr),
+        .replyType = replyType,
+        .reply = std::move(reply) });
+    makeCalls();
+}
+
+void FreedesktopNotifications::makeCalls()
+{
+    while (m_callsUnderway < mostCallsUnderway && !m_calls.empty()) {
+        auto next = std::move(m_calls.front());
+        m_calls.pop_front();
+        ++m_callsUnderway;
+        g_dbus_connection_call(m_bus.get(), serviceName, servicePath, serviceName, next.method, next.arguments.get(),
+            next.replyType, G_DBUS_CALL_FLAGS_NONE, answerMilliseconds, m_ended.get(), called,
+            new Underway { this, std::move(next.reply) });
+    }
 }
 
 void FreedesktopNotifications::called(GObject* bus, GAsyncResult* result, gpointer data)
 {
-    const std::unique_ptr<Reply> reply(static_cast<Reply*>(data));
+    const std::unique_ptr<Underway> underway(static_cast<Underway*>(data));
     GError* error = nullptr;
     const GLibPtr<GVariant> value(g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error));
-    if (value)
-        return (*reply)(value.get());
     const GLibPtr<GError> owned(error);
-    if (!g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED))
-        (*reply)(std::unexpected(NotificationError { error->message }));
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED))
+        return;
+    // Before the reply, which may be the end of this object.
+    --underway->notifications->m_callsUnderway;
+    underway->notifications->makeCalls();
+    if (value)
+        underway->reply(value.get());
+    else
+        underway->reply(std::unexpected(NotificationError { error->message }));
 }
 
-void FreedesktopNotifications::signalled(
+unsigned FreedesktopNotifications::subscribe(const char* signal, GDBusSignalCallback callback)
+{
+    return g_dbus_connection_signal_subscribe(m_bus.get(), serviceName, serviceName, signal, servicePath, nullptr,
+        G_DBUS_SIGNAL_FLAGS_NONE, callback, this, nullptr);
+}
+
+void FreedesktopNotifications::closed(
     GDBusConnection*, const char*, const char*, const char*, const char*, GVariant* arguments, gpointer data)
 {
     if (!g_variant_is_of_type(arguments, G_VARIANT_TYPE("(uu)")))
@@ -107,6 +155,18 @@ void FreedesktopNotifications::signalled(
     std::uint32_t reason = 0;
     g_variant_get(arguments, "(uu)", &number, &reason);
     static_cast<FreedesktopNotifications*>(data)->m_observer.closed(number);
+}
+
+void FreedesktopNotifications::actionInvoked(
+    GDBusConnection*, const char*, const char*, const char*, const char*, GVariant* arguments, gpointer data)
+{
+    if (!g_variant_is_of_type(arguments, G_VARIANT_TYPE("(us)")))
+        return;
+    std::uint32_t number = 0;
+    const char* action = nullptr;
+    g_variant_get(arguments, "(u&s)", &number, &action);
+    if (std::string_view(action) == defaultActionName)
+        static_cast<FreedesktopNotifications*>(data)->m_observer.clicked(number);
 }
 
 }

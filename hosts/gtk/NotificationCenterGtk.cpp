@@ -30,11 +30,19 @@ std::string escaped(const std::string& body)
 
 }
 
-NotificationCenterGtk::NotificationCenterGtk(GDBusConnection* bus, DesktopIdentity identity)
-    : m_service(bus, std::move(identity),
+NotificationCenterGtk::NotificationCenterGtk(GDBusConnection* bus, DesktopIdentity identity, Sounds sounds)
+    : m_sounds(std::move(sounds))
+    , m_service(bus, std::move(identity),
           { .closed = [this](std::uint32_t number) { forgetOnScreen(number); },
+              .clicked = [this](std::uint32_t number) { clicked(number); },
               .serviceLost = [this] { forgetService(); } })
 {
+}
+
+NotificationCenterGtk::~NotificationCenterGtk()
+{
+    if (m_responseSource)
+        g_source_remove(m_responseSource);
 }
 
 void NotificationCenterGtk::add(const Notification& notification, OnEnd onEnd)
@@ -97,12 +105,22 @@ void NotificationCenterGtk::deliver(Delivery delivery)
 
 void NotificationCenterGtk::send(const Delivery& delivery)
 {
-    const auto& [identifier, title, body] = delivery.notification;
+    const auto& [identifier, title, body, soundName, userInfo] = delivery.notification;
+    const auto sound = desktopSound(soundName, m_sounds.folders);
+    const bool serviceSounds = serviceHas("sound");
+    // Escaped whatever the service says of itself: one that claims to read no markup may still take tags out of a body
+    // and lose what stands between two signs, and a body must not smuggle a link or an image into one that reads it.
     const DesktopNotification notification { .replaces = m_slots[identifier].number,
         .identifier = identifier,
         .summary = title,
-        .body = m_bodyMarkup == BodyMarkup::yes ? escaped(body) : body };
-    m_service.notify(notification, [this, delivery](auto answer) { delivered(delivery, std::move(answer)); });
+        .body = escaped(body),
+        .sound = serviceSounds ? std::optional(sound) : std::nullopt,
+        .isClickable = serviceHas("actions") };
+    m_service.notify(notification, [this, delivery, sound, serviceSounds](auto answer) {
+        if (answer && !serviceSounds)
+            m_sounds.play(sound);
+        delivered(delivery, std::move(answer));
+    });
 }
 
 void NotificationCenterGtk::delivered(const Delivery& delivery, std::expected<std::uint32_t, NotificationError> answer)
@@ -110,29 +128,69 @@ void NotificationCenterGtk::delivered(const Delivery& delivery, std::expected<st
     const auto& identifier = delivery.notification.identifier;
     auto& slot = m_slots[identifier];
     slot.awaitsAnswer = false;
-    if (answer)
+    if (answer) {
         slot.number = *answer;
+        slot.userInfo = delivery.notification.userInfo;
+    }
     proceed(identifier);
     delivery.onEnd(answer ? std::expected<void, NotificationError> {} : std::unexpected(answer.error()));
 }
 
+bool NotificationCenterGtk::serviceHas(std::string_view capability) const
+{
+    return std::ranges::find(m_capabilityNames, capability) != m_capabilityNames.end();
+}
+
 void NotificationCenterGtk::whenCapabilitiesAreKnown(std::function<void()> action)
 {
-    if (m_bodyMarkup == BodyMarkup::yes || m_bodyMarkup == BodyMarkup::no)
+    if (m_capabilities == Capabilities::known)
         return action();
     m_waitingForCapabilities.push_back(std::move(action));
-    if (std::exchange(m_bodyMarkup, BodyMarkup::asked) == BodyMarkup::notAskedYet)
+    if (std::exchange(m_capabilities, Capabilities::asked) == Capabilities::notAskedYet)
         m_service.askCapabilities([this](const auto& answer) { capabilitiesCame(answer); });
 }
 
 void NotificationCenterGtk::capabilitiesCame(const std::expected<std::vector<std::string>, NotificationError>& answer)
 {
-    const bool markup = answer && std::ranges::find(*answer, "body-markup") != answer->end();
-    m_bodyMarkup = markup ? BodyMarkup::yes : BodyMarkup::no;
+    m_capabilityNames = answer.value_or(std::vector<std::string> {});
+    m_capabilities = Capabilities::known;
     for (const auto& action : std::exchange(m_waitingForCapabilities, {}))
         action();
     if (!answer)
-        m_bodyMarkup = BodyMarkup::notAskedYet; // The service may be started, or come to life, before the next one.
+        m_capabilities = Capabilities::notAskedYet; // The service may be started, or come to life, before the next one.
+}
+
+void NotificationCenterGtk::setResponseHandler(std::function<void(const NotificationResponse&)> handler)
+{
+    m_responseHandler = std::move(handler);
+    tellResponses();
+}
+
+void NotificationCenterGtk::clicked(std::uint32_t number)
+{
+    const auto found
+        = std::ranges::find_if(m_slots, [number](const auto& entry) { return entry.second.number == number; });
+    if (number == 0 || found == m_slots.end())
+        return;
+    m_responses.push_back({ .identifier = found->first, .userInfo = found->second.userInfo });
+    tellResponses();
+}
+
+// From the main loop, never from inside a call.
+void NotificationCenterGtk::tellResponses()
+{
+    if (!m_responseHandler || m_responses.empty() || m_responseSource)
+        return;
+    m_responseSource = g_idle_add_once(
+        [](gpointer data) {
+            auto& self = *static_cast<NotificationCenterGtk*>(data);
+            self.m_responseSource = 0;
+            const auto handler = self.m_responseHandler;
+            for (const auto& response :
+                handler ? std::exchange(self.m_responses, {}) : std::vector<NotificationResponse> {})
+                handler(response);
+        },
+        this);
 }
 
 void NotificationCenterGtk::forgetOnScreen(std::uint32_t number)
@@ -148,8 +206,8 @@ void NotificationCenterGtk::forgetOnScreen(std::uint32_t number)
 
 void NotificationCenterGtk::forgetService()
 {
-    if (m_bodyMarkup != BodyMarkup::asked)
-        m_bodyMarkup = BodyMarkup::notAskedYet;
+    if (m_capabilities != Capabilities::asked)
+        m_capabilities = Capabilities::notAskedYet;
     for (auto& [identifier, slot] : m_slots)
         slot.number = 0;
     std::erase_if(m_slots, [](const auto& entry) { return !entry.second.awaitsAnswer; });

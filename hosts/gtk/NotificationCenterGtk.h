@@ -4,8 +4,10 @@
 #include "platform/NotificationCenter.h"
 
 #include <deque>
+#include <filesystem>
 #include <map>
 #include <optional>
+#include <string_view>
 
 namespace brevanta {
 
@@ -15,9 +17,18 @@ class NotificationCenterGtk final : public NotificationCenter {
 public:
     using OnEnd = std::function<void(std::expected<void, NotificationError>)>;
 
-    NotificationCenterGtk(GDBusConnection* bus, DesktopIdentity identity);
+    struct Sounds {
+        std::vector<std::filesystem::path> folders; // Where sounds are looked for, in this order.
+        std::function<void(const DesktopSound&)> play; // For a service that plays none itself.
+    };
 
-    // Ends with an error after five seconds of silence too. Nothing ends after this object is gone.
+    NotificationCenterGtk(GDBusConnection* bus, DesktopIdentity identity, Sounds sounds);
+    ~NotificationCenterGtk() override;
+    NotificationCenterGtk(const NotificationCenterGtk&) = delete;
+    NotificationCenterGtk& operator=(const NotificationCenterGtk&) = delete;
+
+    // Ends with an error after five seconds of silence too. Nothing ends after this object is gone. The sound is heard
+    // once: by the service if it plays sounds, otherwise by us when the service has taken the notification.
     void add(const Notification& notification, OnEnd onEnd) override;
 
     // Desktops ask nobody: authorized when a notification service answers, which the bus may start for it, and
@@ -26,6 +37,9 @@ public:
     void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
 
     void removeDelivered(const std::vector<std::string>& identifiers) override;
+
+    // Only clicks on what this object has shown are told; the desktop starts nobody for a click.
+    void setResponseHandler(std::function<void(const NotificationResponse&)> handler) override;
 
 private:
     struct Delivery {
@@ -38,11 +52,13 @@ private:
     struct Slot {
         std::uint32_t number { 0 }; // What the service calls the notification on screen; 0 for none.
         bool awaitsAnswer { false };
+        NotificationUserInfo userInfo; // Of what is on screen.
         std::uint64_t lastUse { 0 };
         std::deque<Request> requests;
     };
-    enum class BodyMarkup { notAskedYet, asked, yes, no };
+    enum class Capabilities { notAskedYet, asked, known };
 
+    [[nodiscard]] bool serviceHas(std::string_view capability) const;
     void enqueue(const std::string& identifier, Request request);
     void proceed(const std::string& identifier);
     void deliver(Delivery delivery);
@@ -50,14 +66,21 @@ private:
     void delivered(const Delivery& delivery, std::expected<std::uint32_t, NotificationError> answer);
     void whenCapabilitiesAreKnown(std::function<void()> action);
     void capabilitiesCame(const std::expected<std::vector<std::string>, NotificationError>& answer);
+    void clicked(std::uint32_t number);
+    void tellResponses();
     void forgetOnScreen(std::uint32_t number);
     void forgetService();
     void dropOldestSlots();
 
     std::map<std::string, Slot, std::less<>> m_slots;
     std::uint64_t m_uses { 0 };
-    BodyMarkup m_bodyMarkup { BodyMarkup::notAskedYet };
+    Capabilities m_capabilities { Capabilities::notAskedYet };
+    std::vector<std::string> m_capabilityNames;
     std::vector<std::function<void()>> m_waitingForCapabilities;
+    Sounds m_sounds;
+    std::function<void(const NotificationResponse&)> m_responseHandler;
+    std::vector<NotificationResponse> m_responses; // That nobody was told of yet.
+    unsigned m_responseSource { 0 }; // The call to come that tells them.
     FreedesktopNotifications m_service; // Last, so that nothing is answered once the rest has gone.
 };
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gdk/gdk.h>
+#include <gio/gdesktopappinfo.h>
 #include <utility>
 
 namespace brevanta {
@@ -49,6 +50,27 @@ std::optional<std::string> textIn(const PropertyListTexts& texts, std::string_vi
     return found != texts.end() ? std::optional(found->second) : std::nullopt;
 }
 
+std::optional<std::string> nonEmpty(std::optional<std::string> text)
+{
+    return text && !text->empty() ? std::move(text) : std::nullopt;
+}
+
+std::optional<std::string> nameInDesktopEntry(const std::string& bundleIdentifier)
+{
+    if (bundleIdentifier.empty() || bundleIdentifier.contains('/') || bundleIdentifier.contains('\0'))
+        return std::nullopt;
+    const GObjectPtr<GDesktopAppInfo> entry(g_desktop_app_info_new((bundleIdentifier + ".desktop").c_str()));
+    const char* const name = entry ? g_app_info_get_name(G_APP_INFO(entry.get())) : nullptr;
+    return nonEmpty(name ? std::optional<std::string>(name) : std::nullopt);
+}
+
+}
+
+WorkspaceGtk::WorkspaceGtk(Executor& mainThread, std::filesystem::path root)
+    : m_mainThread(mainThread)
+    , m_root(std::move(root))
+    , m_store(m_root)
+{
 }
 
 void WorkspaceGtk::openUrl(const std::string& url, std::function<void(OpenOutcome)> onEnd)
@@ -87,6 +109,36 @@ std::optional<ApplicationFacts> WorkspaceGtk::applicationAt(const std::string& p
 std::vector<std::uint8_t> WorkspaceGtk::iconPng(const std::string& path, int pixels) const
 {
     return drawFileIcon(path, pixels);
+}
+
+void WorkspaceGtk::setApplicationHandler(std::function<void(ApplicationChange, const RunningApplication&)> handler)
+{
+    m_watch.reset();
+    if (handler)
+        m_watch.emplace(m_mainThread, m_store, [handler = std::move(handler)](const WorkspaceChange& change) {
+            handler(change.change, change.application);
+        });
+}
+
+std::vector<RunningApplication> WorkspaceGtk::runningApplications() const
+{
+    return m_store.workspace().value_or(WorkspaceStandIn()).running;
+}
+
+std::optional<std::string> WorkspaceGtk::displayNameOf(const std::string& bundleIdentifier) const
+{
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(m_root / "Applications", error), end; !error && entry != end;
+        entry.increment(error)) {
+        if (entry->path().extension() != ".app")
+            continue;
+        const auto facts = applicationAt(entry->path().string());
+        if (!facts || facts->bundleIdentifier != bundleIdentifier)
+            continue;
+        if (auto name = nonEmpty(facts->displayName).or_else([&] { return nonEmpty(facts->name); }))
+            return name;
+    }
+    return nameInDesktopEntry(bundleIdentifier);
 }
 
 void WorkspaceGtk::refuse(std::function<void(OpenOutcome)> onEnd)

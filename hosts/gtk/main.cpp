@@ -13,6 +13,7 @@
 #include "gtk/PlaceholderGtk.h"
 #include "gtk/PropertyListGtk.h"
 #include "gtk/ServiceManagerGtk.h"
+#include "gtk/SoundPlayerGtk.h"
 #include "gtk/StatusItemGtk.h"
 #include "gtk/UrlGtk.h"
 #include "gtk/UserDefaultsGtk.h"
@@ -118,6 +119,15 @@ std::string newUuid()
     return uuid.get();
 }
 
+// As the user's locale settings give them, the preferred one first.
+std::vector<std::string> systemLanguages()
+{
+    std::vector<std::string> languages;
+    for (const char* const* name = g_get_language_names(); *name; ++name)
+        languages.emplace_back(*name);
+    return languages;
+}
+
 // Everything below is destroyed from the last to the first: the delegate goes before the queues that its work runs
 // on, and those before the loop that their work answers to.
 int runApplication(
@@ -137,8 +147,13 @@ int runApplication(
     StatusItemGtk statusItem(session.bus->gobj(), resources, mainLoop);
     AlertPanelGtk alerts(mainWindow.window(), mainLoop);
     OpenPanelGtk openPanel(mainWindow.window(), mainLoop);
-    WorkspaceGtk workspace(mainLoop);
-    NotificationCenterGtk notifications(session.bus->gobj(), desktopIdentity(configuration, resources));
+    WorkspaceGtk workspace(mainLoop, configuration.root);
+    const auto identity = desktopIdentity(configuration, resources);
+    SerialQueue soundQueue(queueThread("com.brevanta.sound"));
+    SoundPlayerGtk soundPlayer(soundQueue, identity.name);
+    NotificationCenterGtk notifications(session.bus->gobj(), identity,
+        { .folders = { homeFolder(configuration) / "Library/Sounds", resources },
+            .play = [&soundPlayer](const DesktopSound& sound) { soundPlayer.play(sound); } });
     LoginRecordsPosix loginRecords(isConsoleLine);
     LocalSocketPosix localSockets;
     ServiceManagerGtk services(mainLoop, configuration.root);
@@ -171,7 +186,11 @@ int runApplication(
                              .sharedContainer = [home = homeFolder(configuration)] { return sharedContainer(home); },
                              .systemVersion = systemVersion(configuration),
                              .newUuid = newUuid,
-                             .deviceName = g_get_host_name() },
+                             .deviceName = g_get_host_name(),
+                             .parseUrl = parseUrl,
+                             .resources = resources,
+                             .home = homeFolder(configuration),
+                             .systemLanguages = systemLanguages() },
         configuration);
     return lifecycle.run(delegate, links);
 }

@@ -6,6 +6,7 @@
 #include "host/FilterSystemContract.h"
 #include "host/MainLoopContract.h"
 #include "host/UserDefaultsContract.h"
+#include "host/WorkspaceContract.h"
 
 #include <optional>
 
@@ -54,6 +55,27 @@ private:
     std::optional<FakeFilterSystem> m_system;
 };
 
+class FakeWorkspaceBench {
+public:
+    FakeWorkspaceBench() { m_workspace.emplace(m_loop); }
+
+    Workspace& workspace() { return *m_workspace; }
+    void launch(const RunningApplication& application) { m_workspace->launch(application); }
+    void quit(const RunningApplication& application) { m_workspace->quit(application); }
+    bool serveUntil(const std::function<bool()>& condition)
+    {
+        m_loop.runPosted();
+        return condition();
+    }
+    void serveForATurn() { m_loop.runPosted(); }
+    void end() { m_workspace.reset(); }
+
+private:
+    FakeClock m_clock;
+    FakeMainLoop m_loop { m_clock };
+    std::optional<FakeWorkspace> m_workspace;
+};
+
 class FakeUserDefaultsBench {
 public:
     UserDefaults& defaults() { return m_defaults; }
@@ -87,5 +109,6 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Fake, FilterSystemContract, FakeFilterSystemBench
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, MainLoopContract, FakeMainLoopBench);
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, UserDefaultsContract, FakeUserDefaultsBench);
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, FileStoreContract, FakeFileStoreBench);
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, WorkspaceContract, FakeWorkspaceBench);
 
 }

@@ -1,6 +1,8 @@
 #include "gtk/NotificationCenterGtk.h"
 #include "host/ScriptedNotificationService.h"
 
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -10,6 +12,30 @@ namespace {
 
 using Answer = ScriptedNotificationService::Answer;
 using Ends = std::vector<std::expected<void, NotificationError>>;
+
+// With empty files in it; gone with the test.
+class TemporaryFolder {
+public:
+    TemporaryFolder()
+    {
+        const GLibPtr<char> path(g_dir_make_tmp("brevanta-sounds-XXXXXX", nullptr));
+        m_path = path.get();
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(m_path); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
+    // The file's whole path.
+    std::filesystem::path write(const std::string& name) const // NOLINT(modernize-use-nodiscard)
+    {
+        std::ofstream(m_path / name).flush();
+        return m_path / name;
+    }
+
+private:
+    std::filesystem::path m_path;
+};
 
 class NotificationCenterGtkTest : public testing::Test {
 protected:
@@ -65,7 +91,11 @@ protected:
     TestBus m_bus;
     GObjectPtr<GDBusConnection> m_connection { m_bus.connect() };
     std::optional<ScriptedNotificationService> m_service;
-    NotificationCenterGtk m_center { m_connection.get(), { "Brevanta", "", "com.brevanta.Test" } };
+    const TemporaryFolder m_sounds;
+    std::vector<DesktopSound> m_played;
+    NotificationCenterGtk m_center { m_connection.get(), { "Brevanta", "", "com.brevanta.Test" },
+        { .folders = { m_sounds.path() / "none", m_sounds.path() },
+            .play = [this](const DesktopSound& sound) { m_played.push_back(sound); } } };
     Ends m_ends;
     int m_probes { 0 };
 };
@@ -78,24 +108,100 @@ TEST_F(NotificationCenterGtkTest, TellsTheServiceEverythingAndEndsOnceAfterTheCa
     EXPECT_TRUE(m_ends.empty());
     ASSERT_TRUE(serveUntilEnds(1));
     EXPECT_TRUE(m_ends[0]);
-    const NotifyCall expected { "Brevanta", 0, "title", "Coins dropped to 8", "low-lp", "com.brevanta.Test" };
+    const NotifyCall expected { .applicationName = "Brevanta",
+        .replaces = 0,
+        .summary = "title",
+        .body = "Coins dropped to 8",
+        .identifierHint = "low-lp",
+        .desktopEntryHint = "com.brevanta.Test",
+        .actions = {},
+        .soundFileHint = {},
+        .soundNameHint = {} };
     EXPECT_EQ(m_service->notifyCalls, std::vector { expected });
     settle();
     EXPECT_EQ(m_ends.size(), 1U);
     EXPECT_EQ(m_service->capabilityCalls, 1) << "the capabilities are asked for once";
 }
 
-TEST_F(NotificationCenterGtkTest, EscapesTheBodyOnlyForAServiceThatReadsMarkup)
+TEST_F(NotificationCenterGtkTest, EscapesTheBodyWhateverTheServiceClaimsToRead)
 {
     const std::string body = "a < b & \"c\" > <b>d</b> &amp;";
+    const std::string escaped = "a &lt; b &amp; \"c\" &gt; &lt;b&gt;d&lt;/b&gt; &amp;amp;";
     add("plain", body);
     ASSERT_TRUE(serveUntilEnds(1));
-    EXPECT_EQ(m_service->notifyCalls.back().body, body);
+    EXPECT_EQ(m_service->notifyCalls.back().body, escaped);
 
     startService({ "body", "body-markup" });
     add("markup", body);
     ASSERT_TRUE(serveUntilEnds(2));
-    EXPECT_EQ(m_service->notifyCalls.back().body, "a &lt; b &amp; \"c\" &gt; &lt;b&gt;d&lt;/b&gt; &amp;amp;");
+    EXPECT_EQ(m_service->notifyCalls.back().body, escaped);
+}
+
+TEST_F(NotificationCenterGtkTest, TheSoundIsHeardOnceFromTheServiceOrFromUs)
+{
+    const auto aiff = m_sounds.write("brevanta-gain.aiff");
+    const auto wave = m_sounds.write("brevanta-loss.wav");
+    m_sounds.write("brevanta-loss.aiff");
+    struct Case {
+        std::optional<std::string> sound;
+        DesktopSound expected;
+    };
+    const Case cases[]
+        = { { "brevanta-gain.aiff", { aiff } }, { "brevanta-loss.aiff", { wave } }, { "missing.aiff", {} },
+              { "../" + m_sounds.path().filename().string() + "/none/..", {} }, { "", {} }, { std::nullopt, {} } };
+    for (const bool serviceSounds : { true, false }) {
+        startService(serviceSounds ? std::vector { "body", "sound" } : std::vector { "body" });
+        for (const auto& [sound, expected] : cases) {
+            m_played.clear();
+            m_ends.clear();
+            m_center.add({ "a", "", "", sound }, [this](auto end) { m_ends.push_back(std::move(end)); });
+            ASSERT_TRUE(serveUntilEnds(1));
+            const auto& call = m_service->notifyCalls.back();
+            EXPECT_EQ(call.soundFileHint, serviceSounds ? expected.file.string() : "");
+            EXPECT_EQ(call.soundNameHint, serviceSounds && expected.file.empty() ? "message-new-instant" : "");
+            EXPECT_EQ(m_played, serviceSounds ? std::vector<DesktopSound> {} : std::vector { expected });
+        }
+    }
+    m_played.clear();
+    m_service->answer = Answer::error;
+    add("refused");
+    ASSERT_TRUE(serveUntilEnds(2));
+    EXPECT_TRUE(m_played.empty()) << "what is not shown is not heard";
+}
+
+TEST_F(NotificationCenterGtkTest, AClickTellsWhatTheNotificationCarriesAndNothingElseIsAClick)
+{
+    std::vector<NotificationResponse> told;
+    const auto click = [this](std::uint32_t number, const char* action) {
+        m_service->announceAction(number, action);
+        settle();
+    };
+    startService({ "body", "actions" });
+    m_center.add({ "a", "", "", {}, { { "open", "/1" } } }, [](auto) { });
+    m_center.add({ "a", "", "", {}, { { "open", "/2" } } }, [](auto) { });
+    add("b");
+    ASSERT_TRUE(serveUntilEnds(1));
+    settle();
+    EXPECT_EQ(m_service->notifyCalls.back().actions, (std::vector<std::string> { "default", "Open" }));
+    click(101, "default");
+    m_center.setResponseHandler([&](const NotificationResponse& response) { told.push_back(response); });
+    EXPECT_TRUE(told.empty()) << "never from inside the call";
+    const std::vector<NotificationResponse> first { { "a", { { "open", "/2" } } } };
+    EXPECT_TRUE(serveUntil([&] { return !told.empty(); }));
+    EXPECT_EQ(told, first) << "the click that came before there was a handler";
+
+    click(101, "other");
+    click(999, "default");
+    click(0, "default");
+    m_service->announceClosed(101);
+    click(101, "default");
+    EXPECT_EQ(told, first);
+    click(102, "default");
+    EXPECT_TRUE(serveUntil([&] { return told.size() == 2; }));
+    EXPECT_EQ(told.back(), (NotificationResponse { "b", {} }));
+    m_center.setResponseHandler({});
+    click(102, "default");
+    EXPECT_EQ(told.size(), 2U);
 }
 
 TEST_F(NotificationCenterGtkTest, ANotificationTakesThePlaceOfTheOneWithItsIdentifier)
@@ -223,7 +329,7 @@ TEST_F(NotificationCenterGtkTest, TextThatIsNotUtf8IsMendedRatherThanLost)
 TEST_F(NotificationCenterGtkTest, ACentreThatGoesAwayIsNotAnsweredAndNothingIsAnsweredTwice)
 {
     {
-        NotificationCenterGtk shortLived(m_connection.get(), { "Brevanta", "", "" });
+        NotificationCenterGtk shortLived(m_connection.get(), { "Brevanta", "", "" }, {});
         shortLived.add({ "gone", "", "" }, [this](auto end) { m_ends.push_back(std::move(end)); });
     }
     settle();
@@ -266,7 +372,7 @@ TEST_F(NotificationCenterGtkTest, IsAuthorizedAsLongAsAServiceAnswers)
     m_center.getAuthorization(record);
     EXPECT_TRUE(answersAre({ authorized, authorized, notDetermined, notDetermined, authorized }));
     {
-        NotificationCenterGtk shortLived(m_connection.get(), { "Brevanta", "", "" });
+        NotificationCenterGtk shortLived(m_connection.get(), { "Brevanta", "", "" }, {});
         shortLived.getAuthorization(record);
         shortLived.requestAuthorization(record);
     }

@@ -74,6 +74,12 @@ void ScriptedNotificationService::announceClosed(std::uint32_t number)
         g_variant_new("(uu)", number, dismissedByTheUser), nullptr);
 }
 
+void ScriptedNotificationService::announceAction(std::uint32_t number, const char* action)
+{
+    g_dbus_connection_emit_signal(m_connection.get(), nullptr, servicePath, serviceName, "ActionInvoked",
+        g_variant_new("(us)", number, action), nullptr);
+}
+
 void ScriptedNotificationService::answerHeld()
 {
     for (const auto& reply : std::exchange(m_held, {}))
@@ -112,15 +118,27 @@ void ScriptedNotificationService::record(GVariant* arguments)
     const char* name = nullptr;
     const char* summary = nullptr;
     const char* body = nullptr;
+    GVariant* actionsReference = nullptr;
     GVariant* hintsReference = nullptr;
     NotifyCall call;
-    g_variant_get(arguments, "(&su&s&s&sas@a{sv}i)", &name, &call.replaces, nullptr, &summary, &body, nullptr,
-        &hintsReference, nullptr);
+    g_variant_get(arguments, "(&su&s&s&s@as@a{sv}i)", &name, &call.replaces, nullptr, &summary, &body,
+        &actionsReference, &hintsReference, nullptr);
+    const GLibPtr<GVariant> actions(actionsReference);
+    for (gsize index = 0; index < g_variant_n_children(actions.get()); ++index) {
+        const GLibPtr<GVariant> action(g_variant_get_child_value(actions.get(), index));
+        call.actions.emplace_back(g_variant_get_string(action.get(), nullptr));
+    }
     const GLibPtr<GVariant> hints(hintsReference);
     const char* identifier = "";
     const char* entry = "";
     g_variant_lookup(hints.get(), "x-brevanta-identifier", "&s", &identifier);
     g_variant_lookup(hints.get(), "desktop-entry", "&s", &entry);
+    const char* soundFile = "";
+    const char* soundName = "";
+    g_variant_lookup(hints.get(), "sound-file", "&s", &soundFile);
+    g_variant_lookup(hints.get(), "sound-name", "&s", &soundName);
+    call.soundFileHint = soundFile;
+    call.soundNameHint = soundName;
     call.applicationName = name;
     call.summary = summary;
     call.body = body;

@@ -31,6 +31,9 @@ struct NotifyCall {
     std::string body;
     std::string identifierHint;
     std::string desktopEntryHint;
+    std::vector<std::string> actions;
+    std::string soundFileHint;
+    std::string soundNameHint;
 
     bool operator==(const NotifyCall&) const = default;
 };
@@ -48,6 +51,8 @@ public:
 
     // As when the user dismisses it.
     void announceClosed(std::uint32_t number);
+    // As when the user clicks it or one of its buttons.
+    void announceAction(std::uint32_t number, const char* action);
     // Answers what was left without one, in order.
     void answerHeld();
 

@@ -43,7 +43,7 @@ protected:
     int m_bundles { 0 };
     FakeClock m_clock;
     FakeMainLoop m_loop { m_clock };
-    WorkspaceGtk m_workspace { m_loop };
+    WorkspaceGtk m_workspace { m_loop, m_folder.path() };
     std::vector<OpenOutcome> m_outcomes;
 };
 

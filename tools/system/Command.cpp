@@ -1,6 +1,7 @@
 #include "system/Command.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace brevanta::system_tool {
@@ -46,14 +47,25 @@ std::expected<Command, StandInError> parseCommand(std::span<const std::string> w
     } else if (subject == "service") {
         if (auto command = serviceCommand(rest))
             return *std::move(command);
+    } else if (subject == "app") {
+        if (auto change = appChange(rest))
+            return *std::move(change);
     }
     return standInError("unknown command '" + joined(words) + "'");
+}
+
+std::optional<int> positiveNumber(const std::string& word)
+{
+    int number = 0;
+    const auto* const end = word.data() + word.size();
+    const auto parsed = std::from_chars(word.data(), end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end && number > 0 ? std::optional(number) : std::nullopt;
 }
 
 std::string commandUsage()
 {
     return usageLines("filter", filterUsages()) + usageLines("service", serviceUsages())
-        + usageLine("show", "print all of it");
+        + usageLines("app", appUsages()) + usageLine("show", "print all of it");
 }
 
 }

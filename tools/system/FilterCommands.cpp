@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 namespace brevanta::system_tool {
 
@@ -135,20 +134,12 @@ std::optional<FilterChange> queryChange(QueryAnswer answer, Words arguments)
         });
 }
 
-std::optional<int> failureCode(const std::string& word)
-{
-    int code = 0;
-    const auto* const end = word.data() + word.size();
-    const auto parsed = std::from_chars(word.data(), end, code);
-    return parsed.ec == std::errc() && parsed.ptr == end && code > 0 ? std::optional(code) : std::nullopt;
-}
-
 std::optional<FilterChange> requestChange(Words arguments)
 {
     const auto answer = arguments.empty() ? std::nullopt : valueNamed(requestAnswerNames, arguments.front());
     if (!answer || arguments.size() != (answer == RequestAnswer::fail ? 2U : 1U))
         return std::nullopt;
-    const auto code = answer == RequestAnswer::fail ? failureCode(arguments.back()) : std::optional(0);
+    const auto code = answer == RequestAnswer::fail ? positiveNumber(arguments.back()) : std::optional(0);
     if (!code)
         return std::nullopt;
     return changing([answer = *answer, code = *code](FilterStandIn& standIn) {

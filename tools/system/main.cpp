@@ -72,6 +72,8 @@ public:
         return changeProgram(m_root, command.program);
     }
 
+    Done operator()(const AppChange& change) const { return withoutValue(m_store.changeWorkspace(change)); }
+
     Done operator()(ShowCommand) const
     {
         const auto filter = m_store.filter();
@@ -80,8 +82,11 @@ public:
         const auto service = m_store.service();
         if (!service)
             return std::unexpected(service.error());
-        std::printf("filter %sservice %sprogram %s\n", encode(*filter).c_str(), encode(*service).c_str(),
-            isServiceProgramInstalled(m_root) ? "installed" : "missing");
+        const auto workspace = m_store.workspace();
+        if (!workspace)
+            return std::unexpected(workspace.error());
+        std::printf("filter %sservice %sapp %sprogram %s\n", encode(*filter).c_str(), encode(*service).c_str(),
+            encode(*workspace).c_str(), isServiceProgramInstalled(m_root) ? "installed" : "missing");
         return {};
     }
 

@@ -109,6 +109,7 @@ std::expected<State, StandInError> changeState(
 StandInStore::StandInStore(const std::filesystem::path& root)
     : m_filterFile(root / "var/db/systemextensions.json")
     , m_serviceFile(root / "var/db/launchd.json")
+    , m_workspaceFile(root / "var/db/workspace.json")
 {
 }
 
@@ -122,6 +123,11 @@ StandInStore::Read<ServiceStandIn> StandInStore::service() const
     return readState<ServiceStandIn>(m_serviceFile, decodeServiceStandIn);
 }
 
+StandInStore::Read<WorkspaceStandIn> StandInStore::workspace() const
+{
+    return readState<WorkspaceStandIn>(m_workspaceFile, decodeWorkspaceStandIn);
+}
+
 StandInStore::Read<FilterStandIn> StandInStore::changeFilter(const Change<FilterStandIn>& change) const
 {
     return changeState<FilterStandIn>(m_filterFile, decodeFilterStandIn, change);
@@ -130,6 +136,11 @@ StandInStore::Read<FilterStandIn> StandInStore::changeFilter(const Change<Filter
 StandInStore::Read<ServiceStandIn> StandInStore::changeService(const Change<ServiceStandIn>& change) const
 {
     return changeState<ServiceStandIn>(m_serviceFile, decodeServiceStandIn, change);
+}
+
+StandInStore::Read<WorkspaceStandIn> StandInStore::changeWorkspace(const Change<WorkspaceStandIn>& change) const
+{
+    return changeState<WorkspaceStandIn>(m_workspaceFile, decodeWorkspaceStandIn, change);
 }
 
 }

@@ -2,6 +2,7 @@
 
 #include "gtk/standin/FilterStandIn.h"
 #include "gtk/standin/ServiceStandIn.h"
+#include "gtk/standin/WorkspaceStandIn.h"
 
 #include <expected>
 #include <filesystem>
@@ -24,16 +25,20 @@ public:
     // The error says which file is wrong, and why.
     [[nodiscard]] Read<FilterStandIn> filter() const;
     [[nodiscard]] Read<ServiceStandIn> service() const;
+    [[nodiscard]] Read<WorkspaceStandIn> workspace() const;
 
     // Gives what the file holds now. On an error it is as it was. Waits up to a second for another's change to end.
     Read<FilterStandIn> changeFilter(const Change<FilterStandIn>& change) const;
     Read<ServiceStandIn> changeService(const Change<ServiceStandIn>& change) const;
+    Read<WorkspaceStandIn> changeWorkspace(const Change<WorkspaceStandIn>& change) const;
 
     [[nodiscard]] const std::filesystem::path& filterFile() const { return m_filterFile; }
+    [[nodiscard]] const std::filesystem::path& workspaceFile() const { return m_workspaceFile; }
 
 private:
     std::filesystem::path m_filterFile;
     std::filesystem::path m_serviceFile;
+    std::filesystem::path m_workspaceFile;
 };
 
 }

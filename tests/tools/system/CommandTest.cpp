@@ -136,6 +136,38 @@ TEST(SystemCommand, TheServiceFollowsTheCommands)
     }
 }
 
+TEST(SystemCommand, TheRunningApplicationsFollowTheCommands)
+{
+    struct Case {
+        std::vector<std::string> lines;
+        std::optional<std::vector<RunningApplication>> expected; // Nothing when the last one cannot be carried out.
+    };
+    const Case cases[] = {
+        { { "app launch a" }, { { { "a", 1000 } } } },
+        { { "app launch a", "app launch a" }, { { { "a", 1000 }, { "a", 1001 } } } },
+        { { "app launch a 5000", "app launch b" }, { { { "a", 5000 }, { "b", 5001 } } } },
+        { { "app launch a 2147483647", "app launch b" }, { { { "a", 2147483647 }, { "b", 1000 } } } },
+        { { "app launch a 7", "app launch b 7" }, std::nullopt },
+        { { "app launch a", "app launch b", "app launch a", "app quit a" }, { { { "b", 1001 } } } },
+        { { "app launch a", "app quit b" }, std::nullopt },
+        { { "app launch a", "app fresh" }, std::vector<RunningApplication>() },
+    };
+    for (const auto& [lines, expected] : cases) {
+        StandInStore::Read<WorkspaceStandIn> state;
+        for (const auto& line : lines) {
+            const auto command = parse(line);
+            ASSERT_TRUE(command && std::holds_alternative<AppChange>(*command)) << line;
+            state = std::get<AppChange>(*command)(state);
+        }
+        ASSERT_EQ(state.has_value(), expected.has_value()) << lines.back();
+        EXPECT_EQ(state.value_or(WorkspaceStandIn()).running, expected.value_or(std::vector<RunningApplication>()))
+            << lines.back();
+    }
+    const StandInStore::Read<WorkspaceStandIn> damaged = standInError("damaged");
+    EXPECT_EQ(std::get<AppChange>(*parse("app launch a"))(damaged), damaged);
+    EXPECT_EQ(std::get<AppChange>(*parse("app fresh"))(damaged), WorkspaceStandIn());
+}
+
 TEST(SystemCommand, MistakesAreRefused)
 {
     for (const std::string line : { "", "filter", "service", "filters on", "filter ON", "filter on now",
@@ -143,7 +175,9 @@ TEST(SystemCommand, MistakesAreRefused)
              "filter requests fail", "filter requests fail 0", "filter requests fail -1", "filter requests fail 1x",
              "filter requests fail 99999999999", "filter requests grant 1", "filter prompt", "filter prompt allow it",
              "filter -queries", "filter stop-queries", "filter fail-queries everything",
-             "filter fail-queries preferences properties", "service loaded now", "service off", "show filter" })
+             "filter fail-queries preferences properties", "service loaded now", "service off", "show filter", "app",
+             "app launch", "app launch a 0", "app launch a -1", "app launch a 1x", "app launch a 99999999999",
+             "app launch a 1 2", "app quit", "app quit a 1", "app fresh now", "app start a" })
         EXPECT_FALSE(parse(line)) << line;
     for (const std::string line : { "", "show", "--root", "--root show", "--root r", "--roots r show",
              "--root r --x show", "show --root r", "--root r filter" })
