@@ -4,6 +4,27 @@
 
 #include <utility>
 
+namespace brevanta {
+
+namespace {
+
+// Only text is ours.
+NotificationResponse responseFrom(UNNotificationRequest* request)
+{
+    NotificationResponse response { .identifier = utf8FromString(request.identifier), .userInfo = {} };
+    NSDictionary* const userInfo = request.content.userInfo;
+    for (id key in userInfo) {
+        const id value = [userInfo objectForKey:key];
+        if ([key isKindOfClass:[NSString class]] && [value isKindOfClass:[NSString class]])
+            response.userInfo.emplace(utf8FromString(key), utf8FromString(value));
+    }
+    return response;
+}
+
+}
+
+}
+
 @implementation BrevantaNotificationDelegate
 
 - (void)userNotificationCenter:(UNUserNotificationCenter*)center
@@ -12,6 +33,16 @@
 {
     completionHandler(UNNotificationPresentationOptionBanner | UNNotificationPresentationOptionList
         | UNNotificationPresentationOptionSound);
+}
+
+- (void)userNotificationCenter:(UNUserNotificationCenter*)center
+    didReceiveNotificationResponse:(UNNotificationResponse*)response
+             withCompletionHandler:(void (^)(void))completionHandler
+{
+    // Taking a notification away is a response as well.
+    if ([response.actionIdentifier isEqualToString:UNNotificationDefaultActionIdentifier])
+        self.clicked(brevanta::responseFrom(response.notification.request));
+    completionHandler();
 }
 
 @end
@@ -29,12 +60,24 @@ UNUserNotificationCenter* _Nullable availableCenter()
     return UNUserNotificationCenter.currentNotificationCenter;
 }
 
+NSDictionary<NSString*, NSString*>* dictionaryFrom(const NotificationUserInfo& userInfo)
+{
+    NSMutableDictionary<NSString*, NSString*>* const dictionary = [NSMutableDictionary dictionary];
+    for (const auto& [key, value] : userInfo)
+        [dictionary setObject:displayString(value) forKey:displayString(key)];
+    return dictionary;
+}
+
 UNNotificationRequest* requestFor(const Notification& notification)
 {
     UNMutableNotificationContent* const content = [[UNMutableNotificationContent alloc] init];
     content.title = displayString(notification.title);
     content.body = displayString(notification.body);
-    content.sound = UNNotificationSound.defaultSound;
+    // The system looks in the bundle and in Library/Sounds, and plays its own sound when there is none of the name.
+    content.sound = notification.sound ? [UNNotificationSound soundNamed:displayString(*notification.sound)]
+                                       : UNNotificationSound.defaultSound;
+    if (!notification.userInfo.empty())
+        content.userInfo = dictionaryFrom(notification.userInfo);
     return [UNNotificationRequest requestWithIdentifier:displayString(notification.identifier)
                                                 content:content
                                                 trigger:nil];
@@ -64,30 +107,37 @@ void readAuthorization(UNUserNotificationCenter* center, std::function<void(Noti
 }
 
 NotificationCenterMac::NotificationCenterMac(MainLoop& mainLoop)
-    : m_additions(mainLoop)
+    : m_mainLoop(mainLoop)
+    , m_additions(mainLoop)
     , m_authorizations(mainLoop)
     , m_center(availableCenter())
     , m_delegate([[BrevantaNotificationDelegate alloc] init])
 {
+    m_delegate.clicked = [loop = &mainLoop, inbox = std::weak_ptr(m_inbox)](NotificationResponse response) {
+        loop->post([inbox, response = std::move(response)] {
+            if (const auto open = inbox.lock())
+                open->responses.push_back(response);
+            tell(inbox);
+        });
+    };
     m_center.delegate = m_delegate;
 }
 
 void NotificationCenterMac::add(
     const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd)
 {
-    auto finish = m_additions.expect(std::move(onEnd));
+    const auto finish = m_additions.expect(std::move(onEnd));
     if (!m_center) {
         finish(std::unexpected(NotificationError { "the process has no application bundle" }));
         return;
     }
-    Pending pending { requestFor(notification), std::move(finish) };
-    if (m_question == Question::answered) {
-        addNow(pending);
-        return;
-    }
-    m_pending.push_back(std::move(pending));
-    if (m_question == Question::notAsked)
-        requestAuthorization([](NotificationAuthorization) { });
+    [m_center addNotificationRequest:requestFor(notification)
+               withCompletionHandler:^(NSError* error) {
+                   if (error)
+                       finish(std::unexpected(NotificationError { utf8FromString(error.localizedDescription) }));
+                   else
+                       finish({});
+               }];
 }
 
 void NotificationCenterMac::getAuthorization(std::function<void(NotificationAuthorization)> onEnd)
@@ -101,41 +151,15 @@ void NotificationCenterMac::getAuthorization(std::function<void(NotificationAuth
 
 void NotificationCenterMac::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
 {
-    const auto finish
-        = m_authorizations.expect([this, onEnd = std::move(onEnd)](NotificationAuthorization authorization) {
-              authorizationAnswered();
-              onEnd(authorization);
-          });
+    const auto finish = m_authorizations.expect(std::move(onEnd));
     UNUserNotificationCenter* const center = m_center;
     if (!center) {
         finish(NotificationAuthorization::denied);
         return;
     }
-    if (m_question == Question::notAsked)
-        m_question = Question::asking;
     // The settings and not the answer: they tell a provisional permission from a full one.
     [center requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound
                           completionHandler:^(BOOL, NSError*) { readAuthorization(center, finish); }];
-}
-
-// Whatever the answer: the system says of each notification by itself that it may not be shown.
-void NotificationCenterMac::authorizationAnswered()
-{
-    m_question = Question::answered;
-    for (const Pending& pending : std::exchange(m_pending, {}))
-        addNow(pending);
-}
-
-void NotificationCenterMac::addNow(const Pending& pending)
-{
-    const auto finish = pending.finish;
-    [m_center addNotificationRequest:pending.request
-               withCompletionHandler:^(NSError* error) {
-                   if (error)
-                       finish(std::unexpected(NotificationError { utf8FromString(error.localizedDescription) }));
-                   else
-                       finish({});
-               }];
 }
 
 void NotificationCenterMac::removeDelivered(const std::vector<std::string>& identifiers)
@@ -144,6 +168,22 @@ void NotificationCenterMac::removeDelivered(const std::vector<std::string>& iden
     for (const std::string& identifier : identifiers)
         [names addObject:displayString(identifier)];
     [m_center removeDeliveredNotificationsWithIdentifiers:names];
+}
+
+void NotificationCenterMac::setResponseHandler(std::function<void(const NotificationResponse&)> handler)
+{
+    m_inbox->handler = std::move(handler);
+    m_mainLoop.post([inbox = std::weak_ptr(m_inbox)] { tell(inbox); });
+}
+
+void NotificationCenterMac::tell(const std::weak_ptr<Inbox>& inbox)
+{
+    const auto open = inbox.lock();
+    if (!open || !open->handler)
+        return;
+    const auto handler = open->handler;
+    for (const NotificationResponse& response : std::exchange(open->responses, {}))
+        handler(response);
 }
 
 }

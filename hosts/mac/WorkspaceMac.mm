@@ -35,6 +35,17 @@ std::optional<std::string> textIn(NSDictionary<NSString*, id>* dictionary, NSStr
     return [value isKindOfClass:NSString.class] ? std::optional(utf8FromString(value)) : std::nullopt;
 }
 
+std::optional<RunningApplication> runningApplication(id _Nullable value)
+{
+    if (![value isKindOfClass:NSRunningApplication.class])
+        return std::nullopt;
+    NSRunningApplication* const application = value;
+    std::string identifier = utf8FromString(application.bundleIdentifier);
+    if (identifier.empty())
+        return std::nullopt;
+    return RunningApplication { .bundleIdentifier = std::move(identifier), .processId = application.processIdentifier };
+}
+
 NSBitmapImageRep* _Nullable createBitmap(NSInteger pixels)
 {
     return [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
@@ -76,9 +87,12 @@ std::vector<std::uint8_t> bytesOf(NSData* _Nullable data)
 }
 
 WorkspaceMac::WorkspaceMac(MainLoop& mainLoop)
-    : m_completions(mainLoop)
+    : m_mainLoop(mainLoop)
+    , m_completions(mainLoop)
 {
 }
+
+WorkspaceMac::~WorkspaceMac() { stopObserving(); }
 
 void WorkspaceMac::openUrl(const std::string& url, std::function<void(OpenOutcome)> onEnd)
 {
@@ -127,6 +141,72 @@ std::vector<std::uint8_t> WorkspaceMac::iconPng(const std::string& path, int pix
         return {};
     draw([NSWorkspace.sharedWorkspace iconForFile:text], context, pixels);
     return bytesOf([bitmap representationUsingType:NSBitmapImageFileTypePNG properties:[NSDictionary dictionary]]);
+}
+
+void WorkspaceMac::setApplicationHandler(std::function<void(ApplicationChange, const RunningApplication&)> handler)
+{
+    stopObserving();
+    m_registration.emplace();
+    if (!handler)
+        return;
+    const auto telling = [&](ApplicationChange change) {
+        return m_registration->guard(
+            [handler, change](const RunningApplication& application) { handler(change, application); });
+    };
+    m_launches = observe(NSWorkspaceDidLaunchApplicationNotification, telling(ApplicationChange::launched));
+    m_terminations = observe(NSWorkspaceDidTerminateApplicationNotification, telling(ApplicationChange::terminated));
+}
+
+// The block runs on the thread that posts the notification, so it only hands on.
+id WorkspaceMac::observe(NSNotificationName name, std::function<void(const RunningApplication&)> tell)
+{
+    MainLoop* const mainLoop = &m_mainLoop;
+    return [NSWorkspace.sharedWorkspace.notificationCenter
+        addObserverForName:name
+                    object:nil
+                     queue:nil
+                usingBlock:^(NSNotification* notification) {
+                    const auto application
+                        = runningApplication([notification.userInfo objectForKey:NSWorkspaceApplicationKey]);
+                    if (application)
+                        mainLoop->post([tell, application = *application] { tell(application); });
+                }];
+}
+
+void WorkspaceMac::stopObserving()
+{
+    for (const id& observer : { std::exchange(m_launches, nil), std::exchange(m_terminations, nil) }) {
+        if (observer)
+            [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:observer];
+    }
+}
+
+std::vector<RunningApplication> WorkspaceMac::runningApplications() const
+{
+    std::vector<RunningApplication> running;
+    for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications) {
+        if (application.activationPolicy != NSApplicationActivationPolicyRegular)
+            continue;
+        if (auto known = runningApplication(application))
+            running.push_back(*std::move(known));
+    }
+    return running;
+}
+
+std::optional<std::string> WorkspaceMac::displayNameOf(const std::string& bundleIdentifier) const
+{
+    NSString* const identifier = stringFromUtf8(bundleIdentifier);
+    NSURL* const address
+        = identifier ? [NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:identifier] : nil;
+    NSString* const path = address.path;
+    NSBundle* const bundle = path ? [NSBundle bundleWithPath:path] : nil;
+    for (NSString* const& key : { @"CFBundleDisplayName", @"CFBundleName" }) {
+        const id value = [bundle objectForInfoDictionaryKey:key];
+        std::string name = [value isKindOfClass:NSString.class] ? utf8FromString(value) : std::string();
+        if (!name.empty())
+            return name;
+    }
+    return std::nullopt;
 }
 
 }

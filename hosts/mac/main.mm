@@ -16,6 +16,7 @@
 #include "mac/StatusItemMac.h"
 #include "mac/SystemLogMac.h"
 #include "mac/TextMac.h"
+#include "mac/UrlMac.h"
 #include "mac/UserDefaultsMac.h"
 #include "mac/WebViewMac.h"
 #include "mac/WorkspaceMac.h"
@@ -81,6 +82,15 @@ std::optional<std::filesystem::path> sharedContainer()
     }
 }
 
+// In the order of the system's settings.
+std::vector<std::string> systemLanguages()
+{
+    std::vector<std::string> languages;
+    for (NSString* const language in NSLocale.preferredLanguages)
+        languages.push_back(utf8FromString(language));
+    return languages;
+}
+
 void runApplication(const BuildConfiguration& configuration)
 {
     SystemLogMac log(configuration.bundleIdentifier,
@@ -133,6 +143,10 @@ void runApplication(const BuildConfiguration& configuration)
             .systemVersion = systemVersion(),
             .newUuid = newUuid,
             .deviceName = deviceName(),
+            .parseUrl = [](const std::string& text) { return urlFrom(absoluteUrlFromText(stringFromUtf8(text))); },
+            .resources = utf8FromString(NSBundle.mainBundle.resourcePath),
+            .home = utf8FromString(NSHomeDirectory()),
+            .systemLanguages = systemLanguages(),
         },
         configuration);
     lifecycle.run(delegate);

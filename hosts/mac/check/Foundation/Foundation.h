@@ -68,6 +68,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSStringEncoding)encoding;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding;
 - (BOOL)hasSuffix:(NSString*)suffix;
+- (BOOL)isEqualToString:(NSString*)aString;
 @property (readonly, copy) NSString* lowercaseString;
 @property (readonly, getter=isAbsolutePath) BOOL absolutePath;
 @end
@@ -104,6 +105,11 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4, NSISOLatin1StringEncoding = 
 - (nullable ObjectType)objectForKey:(KeyType)key;
 @end
 
+// Documentation: NSMutableDictionary; macOS 10.0.
+@interface NSMutableDictionary<KeyType, ObjectType> : NSDictionary <KeyType, ObjectType>
+- (void)setObject:(ObjectType)anObject forKey:(KeyType)aKey;
+@end
+
 // Documentation: NSErrorDomain; macOS 10.0.
 typedef NSString* NSErrorDomain;
 extern NSErrorDomain const NSURLErrorDomain;
@@ -117,18 +123,26 @@ extern NSErrorDomain const NSURLErrorDomain;
 
 // Documentation: NSNotification; macOS 10.0.
 @interface NSNotification : NSObject
+@property (nullable, readonly, copy) NSDictionary* userInfo;
 @end
 
 // Documentation: NSNotificationName; macOS 10.0.
 typedef NSString* NSNotificationName;
 
-// Documentation: NSNotificationCenter; macOS 10.0.
+@class NSOperationQueue;
+
+// Documentation: NSNotificationCenter; macOS 10.0. The block runs on the queue, or without one on the posting thread.
 @interface NSNotificationCenter : NSObject
 - (void)addObserver:(id)observer
            selector:(SEL)selector
                name:(nullable NSNotificationName)name
              object:(nullable id)object;
+- (id<NSObject>)addObserverForName:(nullable NSNotificationName)name // macOS 10.6
+                            object:(nullable id)object
+                             queue:(nullable NSOperationQueue*)queue
+                        usingBlock:(void (^)(NSNotification* notification))block;
 - (void)removeObserver:(id)observer name:(nullable NSNotificationName)name object:(nullable id)object;
+- (void)removeObserver:(id)observer;
 @end
 
 // Documentation: NSURL; macOS 10.0.
@@ -229,6 +243,14 @@ typedef struct {
     NSInteger patchVersion;
 } NSOperatingSystemVersion;
 
+// Documentation: NSLocale; macOS 10.0, preferredLanguages macOS 10.5.
+@interface NSLocale : NSObject
+@property (class, readonly, copy) NSArray<NSString*>* preferredLanguages;
+@end
+
+// Documentation: NSHomeDirectory; macOS 10.0.
+extern "C" NSString* NSHomeDirectory(void);
+
 // Documentation: NSProcessInfo; macOS 10.0.
 @interface NSProcessInfo : NSObject
 @property (class, readonly, strong) NSProcessInfo* processInfo;
@@ -285,6 +307,7 @@ extern NSRunLoopMode const NSDefaultRunLoopMode;
 @property (nullable, readonly, copy) NSDictionary<NSString*, id>* infoDictionary;
 @property (nullable, readonly, copy) NSString* bundleIdentifier;
 @property (nullable, readonly, copy) NSString* executablePath;
+@property (nullable, readonly, copy) NSString* resourcePath;
 - (nullable id)objectForInfoDictionaryKey:(NSString*)key;
 @end
 

@@ -36,10 +36,12 @@ typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
 // Documentation: UNNotificationSound; macOS 10.14.
 @interface UNNotificationSound : NSObject
 @property (class, readonly, copy) UNNotificationSound* defaultSound;
++ (instancetype)soundNamed:(NSString*)name;
 @end
 
 // Documentation: UNNotificationContent; macOS 10.14.
 @interface UNNotificationContent : NSObject
+@property (nonatomic, readonly, copy) NSDictionary* userInfo;
 @end
 
 // Documentation: UNMutableNotificationContent; macOS 10.14.
@@ -47,6 +49,7 @@ typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
 @property (nonatomic, copy) NSString* title;
 @property (nonatomic, copy) NSString* body;
 @property (nonatomic, copy, nullable) UNNotificationSound* sound;
+@property (nonatomic, copy) NSDictionary* userInfo;
 @end
 
 // Documentation: UNNotificationTrigger; macOS 10.14.
@@ -58,10 +61,22 @@ typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
 + (instancetype)requestWithIdentifier:(NSString*)identifier
                               content:(UNNotificationContent*)content
                               trigger:(nullable UNNotificationTrigger*)trigger;
+@property (nonatomic, readonly, copy) NSString* identifier;
+@property (nonatomic, readonly, copy) UNNotificationContent* content;
 @end
 
 // Documentation: UNNotification; macOS 10.14.
 @interface UNNotification : NSObject
+@property (nonatomic, readonly, copy) UNNotificationRequest* request;
+@end
+
+// Documentation: UNNotificationDefaultActionIdentifier; macOS 10.14.
+extern NSString* const UNNotificationDefaultActionIdentifier;
+
+// Documentation: UNNotificationResponse; macOS 10.14.
+@interface UNNotificationResponse : NSObject
+@property (nonatomic, readonly, copy) UNNotification* notification;
+@property (nonatomic, readonly, copy) NSString* actionIdentifier;
 @end
 
 // Documentation: UNUserNotificationCenterDelegate; macOS 10.14.
@@ -70,6 +85,9 @@ typedef NS_OPTIONS(NSUInteger, UNNotificationPresentationOptions) {
 - (void)userNotificationCenter:(UNUserNotificationCenter*)center
        willPresentNotification:(UNNotification*)notification
          withCompletionHandler:(void (^)(UNNotificationPresentationOptions options))completionHandler;
+- (void)userNotificationCenter:(UNUserNotificationCenter*)center
+    didReceiveNotificationResponse:(UNNotificationResponse*)response
+             withCompletionHandler:(void (^)(void))completionHandler;
 @end
 
 // Documentation: UNUserNotificationCenter; macOS 10.14. The completion handlers may run on a background thread.
