@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/FirstLoadHold.h"
+#include "app/Notices.h"
 #include "app/WindowAtLaunch.h"
 #include "daemon/DaemonClient.h"
 #include "daemon/SharedBlockStateWriter.h"
@@ -8,7 +9,7 @@
 #include "install/RemovalShellController.h"
 #include "install/ServiceInstaller.h"
 #include "menubar/MenuBarController.h"
-#include "notify/NotificationHelper.h"
+#include "notify/NotificationSounds.h"
 #include "platform/Clock.h"
 #include "platform/LocalSocket.h"
 #include "platform/LoginRecords.h"
@@ -51,15 +52,6 @@ private:
     AppAlertPresenter& m_alerts;
 };
 
-void postSwitchedOff(NotificationHelper& helper, ProtectiveComponent component)
-{
-    const bool isService = component == ProtectiveComponent::blockingService;
-    helper.post(isService ? "Blocking service switched off" : "Content filter switched off",
-        isService ? "Nothing is blocked on this Mac until you turn it on again in System Settings."
-                  : "Websites are not blocked on this Mac until you turn it on again in System Settings.",
-        "pf-switched-off-" + std::string(componentName(component)));
-}
-
 }
 
 AppDelegate::AppDelegate(AppPorts ports, BuildConfiguration configuration)
@@ -78,12 +70,26 @@ void AppDelegate::applicationDidFinishLaunching()
     assert(m_ports.mainLoop.isMainThread());
     m_ports.lifecycle.setActivationPolicy(ActivationPolicy::regular);
     createDaemonClient();
+    installNotificationSounds(m_ports.files, m_ports.log, m_ports.resources, m_ports.home);
+    m_notices = std::make_unique<Notices>(Notices::Dependencies {
+        .mainLoop = m_ports.mainLoop,
+        .clock = m_ports.clock,
+        .log = m_ports.log,
+        .defaults = m_ports.defaults,
+        .files = m_ports.files,
+        .center = m_ports.notifications,
+        .workspace = m_ports.workspace,
+        .resources = m_ports.resources,
+        .systemLanguages = m_ports.systemLanguages,
+    });
     createComponentMonitor();
     createWindow();
     armLaunchHold();
     createMenuBarController();
     decideWindowAtLaunch();
     m_webViewWindow->loadCoordinator().prepare();
+    m_notices->awaitClicks(
+        [this](const std::string& url) { return isTrusted(url); }, [this] { m_webViewWindow->open(); });
 }
 
 void AppDelegate::applicationDidOpenUrl(const Url& url)
@@ -145,7 +151,6 @@ void AppDelegate::createComponentMonitor()
         .fileName = std::string(sharedBlockStateFileName(m_configuration.flavour == Flavour::dev ? "dev" : "prod")),
     });
     m_alerts = std::make_unique<AppAlertPresenter>(m_ports.alerts, m_ports.mainLoop);
-    m_notificationHelper = std::make_unique<NotificationHelper>(m_ports.notifications, m_ports.log);
     m_installer = std::make_unique<UnavailableInstaller>(*m_alerts);
     m_monitor = std::make_unique<ComponentMonitor>(ComponentMonitor::Dependencies {
         .mainLoop = m_ports.mainLoop,
@@ -155,7 +160,7 @@ void AppDelegate::createComponentMonitor()
         .services = m_ports.services,
         .filterSystem = m_ports.filterSystem,
         .bundledServiceVersion = m_configuration.version,
-        .postSwitchedOff = [this](ProtectiveComponent component) { postSwitchedOff(*m_notificationHelper, component); },
+        .postSwitchedOff = [this](ProtectiveComponent component) { m_notices->postSwitchedOff(component); },
     });
 }
 
@@ -181,12 +186,13 @@ void AppDelegate::createWindow()
         .placeholder = m_ports.placeholder,
         .openPanel = m_ports.openPanel,
         .workspace = m_ports.workspace,
-        .notifications = m_ports.notifications,
+        .notifications = m_notices->client(),
+        .reminders = m_notices->reminders(),
         .daemonClient = *m_daemonClient,
         .deviceSetup = *m_deviceSetup,
         .removal = *m_removal,
         .updater = nullptr,
-        .origins = TrustedOrigins(m_configuration.trustedHosts, m_configuration.signInHosts),
+        .origins = trustedOrigins(),
         .activateApplication = [this] { m_ports.lifecycle.activate(); },
         .newUuid = m_ports.newUuid,
         .deviceName = m_ports.deviceName,
@@ -213,6 +219,7 @@ void AppDelegate::createMenuBarController()
         .log = m_ports.log,
         .statusItem = m_ports.statusItem,
         .notifications = m_ports.notifications,
+        .notificationHelper = m_notices->helper(),
         .daemonClient = *m_daemonClient,
         .workspace = m_ports.workspace,
         .alerts = *m_alerts,
@@ -220,7 +227,7 @@ void AppDelegate::createMenuBarController()
         .deviceSetup = *m_deviceSetup,
         .installer = *m_installer,
         .webShell = m_webViewWindow.get(),
-        .consumers = { m_sharedStateWriter.get(), m_removal.get() },
+        .consumers = statusConsumers(),
         .version = m_configuration.version,
         .systemVersion = m_ports.systemVersion,
         .onFilterActivationSettled
@@ -229,6 +236,25 @@ void AppDelegate::createMenuBarController()
         .quit = [this] { m_ports.lifecycle.terminate(); },
     });
     m_menuBarController->start();
+}
+
+std::vector<StatusConsumer*> AppDelegate::statusConsumers()
+{
+    std::vector<StatusConsumer*> consumers { m_sharedStateWriter.get(), m_removal.get() };
+    for (auto* const consumer : m_notices->consumers())
+        consumers.push_back(consumer);
+    return consumers;
+}
+
+TrustedOrigins AppDelegate::trustedOrigins() const
+{
+    return TrustedOrigins(m_configuration.trustedHosts, m_configuration.signInHosts);
+}
+
+bool AppDelegate::isTrusted(const std::string& text) const
+{
+    const auto url = m_ports.parseUrl(text);
+    return url && !url->user && !url->password && trustedOrigins().isBridgeTrusted(*url);
 }
 
 void AppDelegate::decideWindowAtLaunch()

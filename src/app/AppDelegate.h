@@ -3,6 +3,7 @@
 #include "app/BuildConfiguration.h"
 #include "filter/SystemSettings.h"
 #include "platform/ApplicationLifecycle.h"
+#include "platform/Url.h"
 #include "setup/DeviceSetupNavigation.h"
 
 #include <filesystem>
@@ -10,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace brevanta {
 
@@ -29,15 +31,17 @@ class MainLoop;
 class MainWindow;
 class MenuBarController;
 class NotificationCenter;
-class NotificationHelper;
+class Notices;
 class OpenPanel;
 class Placeholder;
 class RemovalShellController;
 class ServiceInstaller;
 class ServiceManager;
 class SharedBlockStateWriter;
+class StatusConsumer;
 class StatusItem;
 class SystemLog;
+class TrustedOrigins;
 class UserDefaults;
 class WebView;
 class WebViewWindow;
@@ -72,6 +76,11 @@ struct AppPorts {
     SystemVersion systemVersion;
     std::function<std::string()> newUuid; // A fresh random UUID, RFC 9562 version 4, in its usual form.
     std::string deviceName; // The name that the user gave this computer.
+    // As the system reads it; nothing when it is none.
+    std::function<std::optional<Url>(const std::string& text)> parseUrl;
+    std::filesystem::path resources; // The folder of what the application ships with: sounds, texts.
+    std::filesystem::path home; // The user's folder.
+    std::vector<std::string> systemLanguages; // Those that the user prefers, as in `chooseNoticeLanguage`.
 };
 
 // Builds every long-lived object of the client at launch, in a fixed order, and answers the application object.
@@ -97,13 +106,16 @@ private:
     void armLaunchHold();
     void createMenuBarController();
     void decideWindowAtLaunch();
+    [[nodiscard]] std::vector<StatusConsumer*> statusConsumers();
+    [[nodiscard]] TrustedOrigins trustedOrigins() const;
+    [[nodiscard]] bool isTrusted(const std::string& url) const;
 
     AppPorts m_ports;
     BuildConfiguration m_configuration;
     std::unique_ptr<DaemonClient> m_daemonClient;
     std::unique_ptr<SharedBlockStateWriter> m_sharedStateWriter;
     std::unique_ptr<AppAlertPresenter> m_alerts;
-    std::unique_ptr<NotificationHelper> m_notificationHelper;
+    std::unique_ptr<Notices> m_notices;
     std::unique_ptr<ServiceInstaller> m_installer;
     std::unique_ptr<ComponentMonitor> m_monitor;
     std::unique_ptr<DeviceSetupActions> m_deviceSetup;

@@ -6,10 +6,13 @@ namespace brevanta {
 
 struct BlockingStatus;
 
-// A part of the client that the end of each poll is told. Main thread only.
+// A part of the client that is told of each poll. Main thread only.
 class StatusConsumer {
 public:
     virtual ~StatusConsumer() = default;
+
+    // A poll is about to begin; one of the two below ends it, and none begins before.
+    virtual void pollBegan() { }
 
     // A reply of the same bytes as the one before is handed on as the same object. Never calls back into the caller.
     virtual void consume(const std::shared_ptr<const BlockingStatus>& status) = 0;

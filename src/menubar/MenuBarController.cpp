@@ -3,6 +3,7 @@
 #include "daemon/BlockingStatus.h"
 #include "daemon/StatusConsumer.h"
 #include "install/ServiceInstaller.h"
+#include "notify/NotificationHelper.h"
 #include "platform/Clock.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
@@ -19,7 +20,6 @@ namespace brevanta {
 MenuBarController::MenuBarController(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
     , m_startedAt(m_dependencies.clock.continuousSeconds())
-    , m_notificationHelper(m_dependencies.notifications, m_dependencies.log)
     , m_settingsGuide(m_dependencies.alerts, m_dependencies.workspace, m_dependencies.log, m_dependencies.systemVersion)
     , m_upgradePrompt({ .alerts = m_dependencies.alerts,
           .log = m_dependencies.log,
@@ -45,6 +45,12 @@ void MenuBarController::start()
 {
     m_dependencies.monitor.start();
     m_pollLoop.start();
+}
+
+void MenuBarController::pollBegan()
+{
+    for (auto* consumer : m_dependencies.consumers)
+        consumer->pollBegan();
 }
 
 std::optional<Json> MenuBarController::filterHealthReport() { return m_dependencies.monitor.filterHealthReport(); }
@@ -111,7 +117,7 @@ void MenuBarController::pollOverdue()
 void MenuBarController::postCoinNotices(const BlockingStatus& status)
 {
     for (const auto& notice : m_coinNotices.update(status))
-        m_notificationHelper.post(notice.title, notice.body, notice.identifier);
+        m_dependencies.notificationHelper.post(notice.title, notice.body, notice.identifier);
 }
 
 void MenuBarController::runTokenWatchdog(const TokenWatchdog::Event& event)

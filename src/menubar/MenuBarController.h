@@ -10,7 +10,6 @@
 #include "menubar/PollLoop.h"
 #include "menubar/StatusMenu.h"
 #include "menubar/TokenWatchdog.h"
-#include "notify/NotificationHelper.h"
 
 #include <functional>
 #include <memory>
@@ -22,6 +21,7 @@ namespace brevanta {
 class AppAlertPresenter;
 class ComponentMonitor;
 class DeviceSetupActions;
+class NotificationHelper;
 class ServiceInstaller;
 class StatusConsumer;
 class SystemLog;
@@ -37,6 +37,7 @@ public:
         SystemLog& log;
         StatusItem& statusItem;
         NotificationCenter& notifications;
+        NotificationHelper& notificationHelper;
         DaemonClient& daemonClient;
         Workspace& workspace;
         AppAlertPresenter& alerts;
@@ -70,6 +71,7 @@ public:
     static constexpr double startUpGrace = 20;
 
 private:
+    void pollBegan() override;
     [[nodiscard]] std::optional<Json> filterHealthReport() override;
     void pollEnded(double startedAt, const PollResult& result) override;
     void pollOverdue() override;
@@ -93,7 +95,6 @@ private:
     double m_startedAt;
     StatusMenuState m_state;
     std::string m_lastFailure; // What the log was last told of; empty while the service answers.
-    NotificationHelper m_notificationHelper;
     CoinNotices m_coinNotices;
     TokenWatchdog m_tokenWatchdog;
     DaemonCredentialRecovery m_credentialRecovery;

@@ -41,6 +41,7 @@ void PollLoop::poll(double now)
         return;
     }
     m_inFlightSince = now;
+    m_observer.pollBegan();
     m_daemonClient.getStatus(m_observer.filterHealthReport(), m_life.guard([this, now](const PollResult& result) {
         m_inFlightSince.reset();
         m_observer.pollEnded(now, result);

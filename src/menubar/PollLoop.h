@@ -23,6 +23,9 @@ class PollObserver {
 public:
     virtual ~PollObserver() = default;
 
+    // A poll is about to begin.
+    virtual void pollBegan() = 0;
+
     // What the next request carries.
     [[nodiscard]] virtual std::optional<Json> filterHealthReport() = 0;
 

@@ -3,11 +3,9 @@
 #include "base/Text.h"
 #include "daemon/DaemonClient.h"
 #include "install/RemovalShellController.h"
+#include "notify/HabitReminderPresenter.h"
 #include "platform/SystemLog.h"
-#include "platform/UserDefaults.h"
 #include "web/BridgeTable.h"
-
-#include <limits>
 
 namespace brevanta {
 
@@ -24,11 +22,11 @@ std::string without(const std::string& secret, std::string text)
 
 }
 
-AccountMessages::AccountMessages(
-    DaemonClient& daemonClient, const RemovalShellController& removal, UserDefaults& defaults, SystemLog& log)
+AccountMessages::AccountMessages(DaemonClient& daemonClient, const RemovalShellController& removal,
+    HabitReminderPresenter& reminders, SystemLog& log)
     : m_daemonClient(daemonClient)
     , m_removal(removal)
-    , m_defaults(defaults)
+    , m_reminders(reminders)
     , m_log(log)
 {
 }
@@ -36,7 +34,7 @@ AccountMessages::AccountMessages(
 void AccountMessages::addTokenAndLogout(BridgeTable& table)
 {
     table.add("auth_token", [this](const auto& message) { forwardToken(message); });
-    table.add("logout", [this](const auto&) { recordLogout(); });
+    table.add("logout", [this](const auto&) { m_reminders.signedOut(SignedOut::yes); });
 }
 
 void AccountMessages::addForceSync(BridgeTable& table)
@@ -54,10 +52,9 @@ void AccountMessages::forwardToken(const BridgeMessage& message)
     const auto deviceId = message.text("device_id").value_or("");
     m_log.log("[KestreluneMac] auth_token bridge: forwarding (len=" + std::to_string(codePointCount(*token))
         + ", deviceBound=" + (deviceId.empty() ? "false" : "true") + ") to daemon");
-    m_daemonClient.setAuthToken(
-        *token, deviceId, m_life.guard([this, token = *token, sequence = logoutSequence()](const auto& answer) {
-            tokenAnswered(token, sequence, answer);
-        }));
+    m_daemonClient.setAuthToken(*token, deviceId,
+        m_life.guard([this, token = *token, sequence = m_reminders.logoutSequence()](
+                         const auto& answer) { tokenAnswered(token, sequence, answer); }));
 }
 
 void AccountMessages::tokenAnswered(
@@ -67,16 +64,8 @@ void AccountMessages::tokenAnswered(
         return m_log.log(
             "[KestreluneMac] auth_token bridge: daemon rejected: " + without(token, describe(answer.error())));
     m_log.log("[KestreluneMac] auth_token bridge: daemon accepted token");
-    if (logoutSequence() != sequenceBefore)
+    if (!m_reminders.signedIn(sequenceBefore))
         m_log.log("[KestreluneMac] auth_token bridge: accept landed after a logout; habit reminders stay suppressed");
-}
-
-void AccountMessages::recordLogout()
-{
-    const auto sequence = logoutSequence();
-    // Only a difference counts, so the sequence may begin anew.
-    const bool isLast = sequence == std::numeric_limits<std::int64_t>::max();
-    m_defaults.set(logoutSequenceKey, isLast ? std::int64_t { 1 } : sequence + 1);
 }
 
 void AccountMessages::forceSync()
@@ -87,13 +76,6 @@ void AccountMessages::forceSync()
         else
             m_log.log("[KestreluneMac] force_sync bridge: failed: " + describe(answer.error()));
     }));
-}
-
-std::int64_t AccountMessages::logoutSequence() const
-{
-    const auto stored = m_defaults.get(logoutSequenceKey);
-    const auto* const number = stored ? std::get_if<std::int64_t>(&*stored) : nullptr;
-    return number ? *number : 0;
 }
 
 }

@@ -1,5 +1,7 @@
 #include "web/SystemMessages.h"
 
+#include "notify/NoticeLanguage.h"
+#include "notify/SystemNotificationCenterClient.h"
 #include "platform/SystemLog.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
@@ -100,10 +102,10 @@ void SystemMessages::setLocalePreference(const BridgeMessage& message)
 {
     const auto preference = message.text("preference");
     if (preference == "system")
-        return m_dependencies.defaults.remove(languageKey);
+        return m_dependencies.defaults.remove(appLanguageKey);
     if (!preference || std::ranges::find(languages, *preference) == languages.end())
         return m_dependencies.log.log("[WebViewBridge] set_locale_preference: ignoring an unsupported value");
-    m_dependencies.defaults.set(languageKey, *preference);
+    m_dependencies.defaults.set(appLanguageKey, *preference);
 }
 
 }

@@ -12,6 +12,7 @@ namespace brevanta {
 class BridgeTable;
 class PageDelivery;
 class SystemLog;
+class SystemNotificationCenterClient;
 class UserDefaults;
 class Workspace;
 struct BridgeMessage;
@@ -21,7 +22,7 @@ struct BridgeMessage;
 class SystemMessages {
 public:
     struct Dependencies {
-        NotificationCenter& notifications;
+        SystemNotificationCenterClient& notifications;
         Workspace& workspace;
         UserDefaults& defaults;
         PageDelivery& delivery;
@@ -37,9 +38,6 @@ public:
 
     // The user may have been in the settings meanwhile: the page is told when the permission is another now.
     void applicationDidBecomeActive();
-
-    // The user default that holds the language; absent while the system's is followed.
-    static constexpr auto languageKey = "brevantaAppLanguage";
 
 private:
     enum class Repeat { skip, deliver };

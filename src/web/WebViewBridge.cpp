@@ -34,7 +34,7 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
     , m_delivery(m_dependencies.webView, m_origins, m_dependencies.log)
     , m_blockingStatus(m_dependencies.pageScriptQueue, m_dependencies.mainLoop, m_delivery)
     , m_accountMessages(
-          m_dependencies.daemonClient, m_dependencies.removal, m_dependencies.defaults, m_dependencies.log)
+          m_dependencies.daemonClient, m_dependencies.removal, m_dependencies.reminders, m_dependencies.log)
     , m_stateMessages({ m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal,
           m_dependencies.updater, m_delivery, m_blockingStatus, m_dependencies.log, m_dependencies.version })
     , m_systemMessages({ m_dependencies.notifications, m_dependencies.workspace, m_dependencies.defaults, m_delivery,

@@ -31,7 +31,8 @@ public:
         OpenPanel& openPanel;
         Workspace& workspace;
         UserDefaults& defaults;
-        NotificationCenter& notifications;
+        SystemNotificationCenterClient& notifications;
+        HabitReminderPresenter& reminders;
         SystemLog& log;
         DaemonClient& daemonClient;
         DeviceSetup& deviceSetup;

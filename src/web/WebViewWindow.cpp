@@ -22,10 +22,10 @@ WebViewWindow::WebViewWindow(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
     , m_bridge(m_dependencies.origins,
           { m_dependencies.mainLoop, m_dependencies.pageScriptQueue, m_dependencies.webView, m_dependencies.openPanel,
-              m_dependencies.workspace, m_dependencies.defaults, m_dependencies.notifications, m_dependencies.log,
-              m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal, m_dependencies.updater,
-              [this] { bringToFront(); }, m_dependencies.applicationsFolder, m_dependencies.version,
-              m_dependencies.bundleIdentifier, m_dependencies.extensionStoreUrl })
+              m_dependencies.workspace, m_dependencies.defaults, m_dependencies.notifications, m_dependencies.reminders,
+              m_dependencies.log, m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal,
+              m_dependencies.updater, [this] { bringToFront(); }, m_dependencies.applicationsFolder,
+              m_dependencies.version, m_dependencies.bundleIdentifier, m_dependencies.extensionStoreUrl })
     , m_linkRouter([this] { return m_dependencies.clock.continuousSeconds(); }, m_dependencies.newUuid)
     , m_linkReplyHandler(m_linkRouter,
           [this](auto protocol, auto host) { return m_dependencies.origins.isBridgeTrusted(protocol, host); })

@@ -32,7 +32,8 @@ public:
         Placeholder& placeholder;
         OpenPanel& openPanel;
         Workspace& workspace;
-        NotificationCenter& notifications;
+        SystemNotificationCenterClient& notifications;
+        HabitReminderPresenter& reminders;
         DaemonClient& daemonClient;
         DeviceSetup& deviceSetup;
         RemovalShellController& removal;

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <map>
 
 namespace brevanta {
 
@@ -33,6 +34,14 @@ protected:
         return std::ranges::find(log.lines, line) != log.lines.end();
     }
 
+    // What stands for the system's parser knows these URLs only.
+    [[nodiscard]] std::optional<Url> parseUrl(const std::string& text) const
+    {
+        const auto found = urls.find(text);
+        return found != urls.end() ? std::optional(found->second) : std::nullopt;
+    }
+
+    std::map<std::string, Url> urls;
     FakeClock clock;
     FakeMainLoop mainLoop { clock };
     ManualExecutor queue;
@@ -58,7 +67,9 @@ protected:
                                lifecycle, window, statusItem, alerts, workspace, notifications, loginRecords, webView,
                                placeholder, openPanel, services, filterSystem, files,
                                [] { return std::filesystem::path("/shared"); }, SystemVersion {},
-                               [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac" },
+                               [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
+                               [this](const std::string& text) { return parseUrl(text); },
+                               "/Applications/Brevanta.app/Contents/Resources", "/Users/ada", { "es-MX" } },
         BuildConfiguration { .version = "0.121.0",
             .bundleIdentifier = {},
             .root = "/",
@@ -183,6 +194,49 @@ TEST_F(AppDelegateTest, ALinkThatStartsTheApplicationShowsTheWindowAndWaitsForTh
     const auto reply = webView.configuration->replyHandlers.at(0).handler.replyTo(
         { R"({"type":"take_pending_navigation"})", { true, "https", "www.example.com" } });
     EXPECT_TRUE(reply && reply->contains("device-setup"));
+}
+
+TEST_F(AppDelegateTest, AClickOnANoticeBringsTheWindowForwardOrOpensATrustedAddress)
+{
+    loginRecords.loginTime = clock.wallSeconds() - 30;
+    const auto know = [this](const std::string& text, const std::string& scheme, const std::string& host,
+                          const std::optional<std::string>& user = std::nullopt) {
+        urls[text] = { .text = text, .scheme = scheme, .user = user, .host = host, .path = "/" };
+        return text;
+    };
+    const auto click = [this](const std::string& open) {
+        notifications.click({ .identifier = "task-timer-1", .userInfo = { { "open", open } } });
+        mainLoop.runPosted();
+    };
+    click(know("https://evil.example/", "https", "evil.example"));
+    launch();
+    EXPECT_EQ(window.timesShown, 1) << "the click that started the application";
+    const auto loads = webView.loads.size();
+    click(know("http://www.example.com/", "http", "www.example.com"));
+    click(know("https://me@www.example.com/", "https", "www.example.com", "me"));
+    click("/tasks/4");
+    EXPECT_EQ(window.timesShown, 4);
+    EXPECT_TRUE(workspace.opened.empty());
+
+    click(know("https://www.example.com/", "https", "www.example.com"));
+    EXPECT_EQ(workspace.opened, std::vector<std::string> { "https://www.example.com/" });
+    EXPECT_EQ(window.timesShown, 4);
+    workspace.outcome = OpenOutcome::refused;
+    click("https://www.example.com/");
+    EXPECT_EQ(window.timesShown, 5) << "nobody opens it";
+    EXPECT_EQ(webView.loads.size(), loads);
+}
+
+TEST_F(AppDelegateTest, LaunchInstallsTheSoundsAndFindsTheNoticesWords)
+{
+    const std::filesystem::path resources = "/Applications/Brevanta.app/Contents/Resources";
+    files.replaceFromOutside(resources / "brevanta-gain.aiff", "FORM");
+    files.replaceFromOutside(resources / "notices.en.json", "{}");
+    files.replaceFromOutside(resources / "notices.es.json", "{}");
+    launch();
+    EXPECT_EQ(files.contents("/Users/ada/Library/Sounds/brevanta-gain.aiff"), "FORM");
+    EXPECT_TRUE(hasLine("[NotificationSounds] bundled sound missing: brevanta-loss.aiff"));
+    EXPECT_TRUE(hasLine("[NotificationHelper] cannot use notices.zh-Hans.json: no such file"));
 }
 
 TEST_F(AppDelegateTest, EventsBeforeThereIsAWindowAreSurvived)

@@ -7,6 +7,7 @@
 #include "fakes/FakePorts.h"
 #include "fakes/FakeWebShell.h"
 #include "fakes/ManualExecutor.h"
+#include "notify/NotificationHelper.h"
 #include "support/ComponentBench.h"
 #include "support/StatusReply.h"
 
@@ -21,11 +22,13 @@ constexpr int blockingTag = 100;
 
 class RecordingConsumer final : public StatusConsumer {
 public:
+    void pollBegan() override { ++begun; }
     void consume(const std::shared_ptr<const BlockingStatus>& status) override { seen.push_back(status); }
     void serviceFailed() override { ++failures; }
 
     std::vector<std::shared_ptr<const BlockingStatus>> seen;
     int failures { 0 };
+    int begun { 0 };
 };
 
 enum class Page { present, absent };
@@ -40,6 +43,7 @@ protected:
             .log = log,
             .statusItem = statusItem,
             .notifications = notifications,
+            .notificationHelper = notificationHelper,
             .daemonClient = client,
             .workspace = components.workspace,
             .alerts = components.alerts,
@@ -101,6 +105,9 @@ protected:
     FakeSystemLog log;
     FakeStatusItem statusItem;
     FakeNotificationCenter notifications { mainLoop };
+    SystemNotificationCenterClient notificationClient { notifications, mainLoop,
+        [this] { return clock.continuousSeconds(); } };
+    NotificationHelper notificationHelper { notificationClient, log };
     FakeWebShell webShell;
     ComponentBench components { mainLoop, clock, log };
     std::vector<LaunchActivationOutcome> settled;
@@ -229,6 +236,11 @@ TEST_F(MenuBarControllerTest, AnUnchangedReplyChangesNothingOnScreenAndIsHandedO
     ASSERT_EQ(firstConsumer.seen.size(), 3u);
     EXPECT_EQ(firstConsumer.seen[0], firstConsumer.seen[2]);
     EXPECT_EQ(secondConsumer.seen, firstConsumer.seen);
+    EXPECT_EQ(firstConsumer.begun, 3);
+    mainLoop.advance(PollLoop::interval);
+    EXPECT_EQ(firstConsumer.begun, 4);
+    mainLoop.advance(PollLoop::interval);
+    EXPECT_EQ(firstConsumer.begun, 4) << "a tick that is skipped begins nothing";
     EXPECT_EQ(webShell.pushed, firstConsumer.seen);
 }
 

@@ -5,6 +5,7 @@
 #include "fakes/FakeWebShell.h"
 #include "fakes/ManualExecutor.h"
 #include "menubar/MenuBarController.h"
+#include "notify/NotificationHelper.h"
 #include "support/ComponentBench.h"
 #include "support/StatusReply.h"
 
@@ -99,6 +100,9 @@ TEST(SimulatedDay, ADayOfPollsWithRandomFaultsKeepsTheMenuTrueAndLosesNoNotice)
     FakeSystemLog log;
     FakeStatusItem statusItem;
     FakeNotificationCenter notifications(mainLoop);
+    SystemNotificationCenterClient notificationClient(
+        notifications, mainLoop, [&] { return clock.continuousSeconds(); });
+    NotificationHelper notificationHelper(notificationClient, log);
     FakeWebShell webShell;
     ComponentBench components(mainLoop, clock, log);
     RandomService service;
@@ -110,6 +114,7 @@ TEST(SimulatedDay, ADayOfPollsWithRandomFaultsKeepsTheMenuTrueAndLosesNoNotice)
         .log = log,
         .statusItem = statusItem,
         .notifications = notifications,
+        .notificationHelper = notificationHelper,
         .daemonClient = client,
         .workspace = components.workspace,
         .alerts = components.alerts,

@@ -7,6 +7,8 @@
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
 #include "install/RemovalShellController.h"
+#include "notify/HabitReminderPresenter.h"
+#include "notify/SystemNotificationCenterClient.h"
 #include "setup/DeviceSetup.h"
 #include "support/StatusReply.h"
 #include "update/UpdaterControl.h"
@@ -70,7 +72,8 @@ public:
             .placeholder = placeholder,
             .openPanel = openPanel,
             .workspace = workspace,
-            .notifications = notifications,
+            .notifications = notificationClient,
+            .reminders = reminders,
             .daemonClient = daemonClient,
             .deviceSetup = deviceSetup,
             .removal = removal,
@@ -133,6 +136,9 @@ public:
     FakeOpenPanel openPanel { mainLoop };
     FakeWorkspace workspace { mainLoop };
     FakeNotificationCenter notifications { mainLoop };
+    SystemNotificationCenterClient notificationClient { notifications, mainLoop,
+        [this] { return clock.continuousSeconds(); } };
+    HabitReminderPresenter reminders { defaults };
     std::vector<Json> requests; // To the service.
     FakeDaemonTransport::Answer reply { statusReply().dump() };
     DaemonClient daemonClient { std::make_unique<FakeDaemonTransport>([this](const Json& request) {

@@ -121,7 +121,25 @@ TEST_F(WebViewBridgeTest, TheServicesAnswerToATokenIsLoggedWithoutTheToken)
     EXPECT_EQ(requests.size(), 2U);
 }
 
-TEST_F(WebViewBridgeTest, AnAcceptThatLandsAfterALogoutIsTold)
+TEST_F(WebViewBridgeTest, SigningOutEndsTheNoticesUntilATokenIsAccepted)
+{
+    openUsable();
+    const DeliveryGeneration generation(defaults);
+    const auto isOn = [&] { return generation.allows(generation.current()); };
+    post({ { "type", "logout" } });
+    EXPECT_FALSE(isOn());
+    EXPECT_EQ(defaults.get("habitReminders.signedOut"), DefaultsValue(true));
+    reply = R"({"error":"no such token"})";
+    post(authToken());
+    EXPECT_FALSE(isOn());
+    reply = R"({"ok":true})";
+    const auto before = generation.current();
+    post(authToken());
+    EXPECT_TRUE(isOn());
+    EXPECT_FALSE(generation.allows(before)) << "what was asked for while nobody was signed in";
+}
+
+TEST_F(WebViewBridgeTest, AnAcceptThatLandsAfterALogoutChangesNothing)
 {
     openUsable();
     reply = R"({"ok":true})";
@@ -133,9 +151,12 @@ TEST_F(WebViewBridgeTest, AnAcceptThatLandsAfterALogoutIsTold)
         = "[KestreluneMac] auth_token bridge: accept landed after a logout; habit reminders stay suppressed";
     EXPECT_TRUE(hasLine(late));
     EXPECT_EQ(defaults.get("habitReminders.logoutSequence"), DefaultsValue(std::int64_t { 1 }));
+    EXPECT_EQ(defaults.get("habitReminders.signedOut"), DefaultsValue(true));
+    EXPECT_EQ(defaults.get("habitReminders.deliveryGeneration"), DefaultsValue(std::int64_t { 1 }));
     log.lines.clear();
     post(authToken());
     EXPECT_FALSE(hasLine(late));
+    EXPECT_EQ(defaults.get("habitReminders.signedOut"), DefaultsValue(false));
 }
 
 TEST_F(WebViewBridgeTest, NoTokenIsForwardedWhileTheServiceIsBeingRemoved)
