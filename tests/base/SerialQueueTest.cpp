@@ -40,8 +40,8 @@ TEST(SerialQueue, NeverRunsWorkInsidePost)
     SerialQueue queue;
     std::promise<std::thread::id> ranOn;
     std::promise<void> inner;
+    bool nestedRan = false;
     queue.post([&] {
-        bool nestedRan = false;
         queue.post([&] {
             nestedRan = true;
             inner.set_value();

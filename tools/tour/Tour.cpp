@@ -47,6 +47,7 @@ std::expected<void, std::string> Tour::play()
     turnOnFilter();
     startAgain();
     workOnTask();
+    beReminded();
     runLow();
     runOut();
     loseService();
@@ -157,6 +158,22 @@ void Tour::workOnTask()
     showMenu("2-task");
 }
 
+void Tour::beReminded()
+{
+    m_report.tell("The service queues a reminder, a timer and a refused application, and repeats them in each reply.");
+    tellService(R"(queue reminder {"event_id":1,"task_id":"t","kind":"fire","title":"Read","notification_title":)"
+                R"("Read <b>20 pages</b> & rest","body":"\"Dune\" <i>or</i> מתיחה: 5 < 6 & 7 > 6"})");
+    tellService(R"(queue alert {"alert_id":2,"kind":"task_timer","notification_title":"Time is up","body":)"
+                R"("Write the report","sound_prefix":"task-timer","expires_in_seconds":60,"open":null})");
+    tellService(R"(queue rejection {"event_id":3,"task_id":"t","task_title":"Games","closing_session_id":null,)"
+                R"("reason":"daily_cap","kind":"rejected_open"})");
+    seeNotification("intraday-1", "Read <b>20 pages</b> & rest");
+    seeNotification("task-timer-2", "Time is up");
+    seeNotification("app-rejected-3", "App not opened");
+    takePicture("8-notices");
+    m_report.sees(m_bench.service().awaitHandledPolls(2), "two more polls bring the same three");
+}
+
 void Tour::runLow()
 {
     m_report.tell("Coins are spent down to 8; the low mark is 10.");
@@ -209,7 +226,7 @@ void Tour::regainService()
     seeDescription("Brevanta — not blocking");
     seeLine("Blocking: Inactive (45.00 Coins)");
     seeNotification("high-lp", "Coins Restored");
-    m_report.sees(m_notifications->count() == 3, "three notifications in all, none of them twice");
+    m_report.sees(m_notifications->count() == 6, "six notifications in all, none of them twice");
     showMenu("6-coins-restored");
 }
 

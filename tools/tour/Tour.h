@@ -25,6 +25,7 @@ private:
     void startAgain();
     void workOnTask();
     void runLow();
+    void beReminded();
     void runOut();
     void loseService();
     void regainService();

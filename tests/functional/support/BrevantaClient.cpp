@@ -171,6 +171,11 @@ std::expected<void, std::string> BrevantaClient::start()
         return browser;
     if (auto entry = installDesktopEntry(); !entry)
         return entry;
+    return startAgain();
+}
+
+std::expected<void, std::string> BrevantaClient::startAgain()
+{
     auto process = startProcess(m_options.arguments);
     if (!process)
         return std::unexpected("the client cannot be started: " + process.error());

@@ -35,6 +35,8 @@ public:
     [[nodiscard]] std::expected<std::unique_ptr<ChildProcess>, std::string> openLink(const std::string& link) const;
 
     [[nodiscard]] std::expected<void, std::string> start();
+    // Once the process has ended; its log begins anew.
+    [[nodiscard]] std::expected<void, std::string> startAgain();
 
     // Where the client keeps what it stores, and the folder that stands for the machine's.
     [[nodiscard]] std::filesystem::path root() const { return m_directory.path() / "root"; }

@@ -22,7 +22,7 @@ std::expected<void, std::string> ClientBench::startSurroundings()
         return std::unexpected(bus.error());
     m_bus = std::move(*bus);
     if (m_options.notificationTaker == NotificationTaker::recorder) {
-        auto notifications = RecordingNotifications::start(*m_bus);
+        auto notifications = RecordingNotifications::start(*m_bus, m_options.notificationCapabilities);
         if (!notifications)
             return std::unexpected(notifications.error());
         m_notifications = std::move(*notifications);
@@ -62,6 +62,21 @@ std::expected<void, std::string> ClientBench::startClient()
     });
     if (auto started = m_client->start(); !started)
         return started;
+    return awaitMenu();
+}
+
+std::expected<void, std::string> ClientBench::restartClient()
+{
+    m_client->process().end();
+    if (!m_bus->awaitNoOwner(BrevantaClient::busName, startTime))
+        return std::unexpected("the client has kept its name on the bus:\n" + m_client->log());
+    if (auto started = m_client->startAgain(); !started)
+        return started;
+    return awaitMenu();
+}
+
+std::expected<void, std::string> ClientBench::awaitMenu()
+{
     if (!m_bus->awaitOwner(BrevantaClient::busName, startTime))
         return std::unexpected("the client did not take its name on the bus:\n" + m_client->log());
     // Nothing announces that the menu's object is there.

@@ -17,6 +17,7 @@ struct ClientBenchOptions {
     std::vector<std::string> preparations {}; // What the service is told before the client starts.
     ServiceAtStart serviceAtStart { ServiceAtStart::running };
     NotificationTaker notificationTaker { NotificationTaker::recorder };
+    std::vector<std::string> notificationCapabilities { "actions", "body" }; // Of the recorder.
     std::string pagesFolder {}; // Further pages that the web server serves; empty for none.
     std::vector<std::string> webPreparations {}; // What the web server is told before the client starts.
     std::string startPage {}; // Below the web server's URL; empty for the demo application.
@@ -35,6 +36,9 @@ public:
     // The client, until its menu can be read.
     [[nodiscard]] std::expected<void, std::string> startClient();
 
+    // Ends the client and starts it again with what it has stored, until its menu can be read.
+    [[nodiscard]] std::expected<void, std::string> restartClient();
+
     [[nodiscard]] const VirtualDisplay& display() const { return *m_display; }
     [[nodiscard]] const PrivateBus& bus() const { return *m_bus; }
     [[nodiscard]] RecordingNotifications& notifications() { return *m_notifications; }
@@ -46,6 +50,8 @@ public:
     [[nodiscard]] StatusNotifier& statusItem() { return *m_statusItem; }
 
 private:
+    [[nodiscard]] std::expected<void, std::string> awaitMenu();
+
     ClientBenchOptions m_options;
     StandInService m_service;
     StandInWeb m_web;

@@ -1,6 +1,7 @@
 #include "support/RecordingNotifications.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace brevanta::functional {
 
@@ -20,12 +21,14 @@ static constexpr auto introspection = R"(<node><interface name="org.freedesktop.
 <signal name="ActionInvoked"><arg type="u"/><arg type="s"/></signal>
 </interface></node>)";
 
-RecordingNotifications::RecordingNotifications(const PrivateBus& bus)
+RecordingNotifications::RecordingNotifications(const PrivateBus& bus, std::vector<std::string> capabilities)
     : m_bus(bus)
+    , m_capabilities(std::move(capabilities))
 {
 }
 
-std::expected<std::unique_ptr<RecordingNotifications>, std::string> RecordingNotifications::start(const PrivateBus& bus)
+std::expected<std::unique_ptr<RecordingNotifications>, std::string> RecordingNotifications::start(
+    const PrivateBus& bus, std::vector<std::string> capabilities)
 {
     static constexpr GDBusInterfaceVTable handlers {
         .method_call =
@@ -37,7 +40,7 @@ std::expected<std::unique_ptr<RecordingNotifications>, std::string> RecordingNot
         .set_property = nullptr,
         .padding = {},
     };
-    std::unique_ptr<RecordingNotifications> recorder(new RecordingNotifications(bus));
+    std::unique_ptr<RecordingNotifications> recorder(new RecordingNotifications(bus, std::move(capabilities)));
     const GLibPointer<GDBusNodeInfo> node(g_dbus_node_info_new_for_xml(introspection, nullptr));
     ErrorSlot error;
     recorder->m_registration = g_dbus_connection_register_object(
@@ -73,8 +76,11 @@ void RecordingNotifications::handle(const std::string& method, GVariant* argumen
         g_variant_get(arguments, "(u)", &id);
         close(id);
     } else if (method == "GetCapabilities") {
-        const char* capabilities[] = { "actions", "body" };
-        reply = g_variant_new("(@as)", g_variant_new_strv(capabilities, std::size(capabilities)));
+        GVariantBuilder capabilities;
+        g_variant_builder_init(&capabilities, G_VARIANT_TYPE_STRING_ARRAY);
+        for (const auto& capability : m_capabilities)
+            g_variant_builder_add(&capabilities, "s", capability.c_str());
+        reply = g_variant_new("(as)", &capabilities);
     } else {
         reply = g_variant_new("(ssss)", "Recording notifications", "Brevanta", "1", "1.2");
     }
@@ -92,8 +98,16 @@ std::uint32_t RecordingNotifications::record(GVariant* arguments)
     const GLibPointer<GVariant> hints(hintsReference);
     const char* identifier = "";
     g_variant_lookup(hints.get(), "x-brevanta-identifier", "&s", &identifier);
+    const char* sound = "";
+    if (!g_variant_lookup(hints.get(), "sound-file", "&s", &sound))
+        g_variant_lookup(hints.get(), "sound-name", "&s", &sound);
     const auto id = replacedId ? replacedId : ++m_lastId;
-    m_notifications.push_back({ .identifier = identifier, .title = title, .body = body, .id = id, .isClosed = false });
+    m_notifications.push_back({ .identifier = identifier,
+        .title = title,
+        .body = body,
+        .sound = std::filesystem::path(sound).filename().string(),
+        .id = id,
+        .isClosed = false });
     return id;
 }
 
@@ -108,6 +122,15 @@ void RecordingNotifications::close(std::uint32_t id)
         g_dbus_connection_emit_signal(m_bus.connection(), nullptr, servicePath, serviceName, "NotificationClosed",
             g_variant_new("(uu)", id, closedByCall), nullptr);
     }
+}
+
+void RecordingNotifications::click(const std::string& identifier)
+{
+    const auto notifications = identified(identifier);
+    if (notifications.empty())
+        return;
+    g_dbus_connection_emit_signal(m_bus.connection(), nullptr, servicePath, serviceName, "ActionInvoked",
+        g_variant_new("(us)", notifications.back().id, "default"), nullptr);
 }
 
 std::vector<RecordedNotification> RecordingNotifications::identified(const std::string& identifier) const
