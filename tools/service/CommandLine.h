@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/RemovalHandshake.h"
 #include "service/RequestLog.h"
 #include "service/ServiceError.h"
 
@@ -19,6 +20,9 @@ struct CommandLine {
     std::optional<std::string> controlPath {};
     std::optional<std::string> scenarioPath {};
     std::optional<std::string> statePath {};
+    // What stands for "/": without it a removal changes nothing on disk.
+    std::optional<std::string> rootPath {};
+    RemovalTimes removalTimes {};
     LogDetail logDetail = LogDetail::none;
     bool takesStandardInput = false;
 

@@ -1,8 +1,8 @@
 #include "service/LaunchLedger.h"
 
+#include "service/FileReplacement.h"
 #include "service/JsonText.h"
 
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -31,16 +31,8 @@ std::expected<std::uint64_t, ServiceError> takeNextLaunchOrder(const std::string
     if (!last)
         return last;
     const auto order = *last + 1;
-    const auto temporaryPath = path + ".new";
-    {
-        std::ofstream file(temporaryPath, std::ios::binary | std::ios::trunc);
-        file << jsonText({ { "launch_order", order } }) << '\n';
-        file.flush();
-        if (!file)
-            return fail(temporaryPath + ": cannot be written");
-    }
-    if (std::rename(temporaryPath.c_str(), path.c_str()))
-        return fail(path + ": cannot be replaced");
+    if (const auto written = replaceFile(path, jsonText({ { "launch_order", order } }) + "\n"); !written)
+        return std::unexpected(written.error());
     return order;
 }
 

@@ -70,8 +70,41 @@ void RemovalHandshake::cancel(std::int64_t actionId, const std::string& account)
 
 void RemovalHandshake::advance(double epoch)
 {
-    if (m_state == State::pending && m_expiresAt && epoch >= *m_expiresAt)
-        clear();
+    while (m_state == State::pending || m_state == State::committed) {
+        const auto at = nextAt();
+        if (!at || epoch < *at)
+            return;
+        if (m_state == State::committed)
+            finish(*at);
+        else if (m_expiresAt && *m_expiresAt <= *at)
+            clear();
+        else
+            commit(*at);
+    }
+}
+
+std::optional<double> RemovalHandshake::nextAt() const
+{
+    if (m_state == State::pending) {
+        if (!m_times || !m_expiresAt)
+            return m_expiresAt;
+        return std::min(*m_expiresAt, m_since + m_times->pending);
+    }
+    if (!m_times)
+        return std::nullopt;
+    if (m_state == State::committed)
+        return m_since + m_times->committed;
+    return m_finishingBy;
+}
+
+bool RemovalHandshake::isOver(double epoch) const
+{
+    return m_state == State::finishing && m_times && m_finishingBy && epoch >= *m_finishingBy;
+}
+
+void RemovalHandshake::resumePending(std::optional<std::string> account, double epoch)
+{
+    start("in_app", std::move(account), epoch, pendingSeconds);
 }
 
 void RemovalHandshake::clear()
@@ -81,6 +114,7 @@ void RemovalHandshake::clear()
     m_expiresAt.reset();
     m_actionId.reset();
     m_account.reset();
+    noteChange();
 }
 
 void RemovalHandshake::makePending(double epoch, double lifetime)
@@ -93,6 +127,8 @@ void RemovalHandshake::commit(double epoch)
     if (m_state != State::pending)
         makePending(epoch, pendingSeconds);
     become(State::committed);
+    m_since = epoch;
+    noteChange();
 }
 
 void RemovalHandshake::finish(double epoch)
@@ -100,7 +136,8 @@ void RemovalHandshake::finish(double epoch)
     if (m_state != State::committed)
         commit(epoch);
     become(State::finishing);
-    m_finishingBy = epoch + finishingSeconds;
+    m_finishingBy = epoch + (m_times ? m_times->finishing : finishingSeconds);
+    noteChange();
 }
 
 void RemovalHandshake::setQueueError(std::optional<std::string> queueError)
@@ -155,6 +192,12 @@ void RemovalHandshake::become(State state)
     m_finishingBy.reset();
 }
 
+void RemovalHandshake::noteChange() const
+{
+    if (m_observer)
+        m_observer();
+}
+
 void RemovalHandshake::refuse(const char* queueError) { setQueueError(queueError); }
 
 void RemovalHandshake::start(std::string origin, std::optional<std::string> account, double epoch, double lifetime)
@@ -164,6 +207,8 @@ void RemovalHandshake::start(std::string origin, std::optional<std::string> acco
     m_account = std::move(account);
     m_expiresAt = epoch + lifetime;
     m_actionId = ++m_lastActionId;
+    m_since = epoch;
+    noteChange();
 }
 
 }

@@ -115,7 +115,8 @@ std::expected<void, ServiceError> ServiceLoop::turn(int longestWaitMilliseconds)
     if (auto advanced = advanceChannels(); !advanced)
         return advanced;
     m_channels.remove_if([](const CommandChannel& channel) { return channel.isDone(); });
-    return {};
+    // Last, since nothing may be written to an installation that is gone.
+    return m_options.removal ? m_options.removal->advance() : std::expected<void, ServiceError>();
 }
 
 std::expected<void, ServiceError> ServiceLoop::runScenario()
@@ -147,10 +148,14 @@ std::expected<void, ServiceError> ServiceLoop::openOrCloseSocket()
 int ServiceLoop::timeoutWithin(int longestWaitMilliseconds) const
 {
     std::optional<double> next = m_scenario.nextAt();
-    for (const auto& connection : m_connections) {
-        if (const auto at = connection.resumesAt(); at && (!next || *at < *next))
+    const auto consider = [&next](std::optional<double> at) {
+        if (at && (!next || *at < *next))
             next = at;
-    }
+    };
+    for (const auto& connection : m_connections)
+        consider(connection.resumesAt());
+    if (m_options.removal)
+        consider(m_options.removal->nextAt());
     if (!next)
         return longestWaitMilliseconds;
     const double milliseconds = std::ceil(std::max(0.0, *next - m_options.clock()) * 1000);

@@ -3,6 +3,7 @@
 #include "service/ClientConnection.h"
 #include "service/CommandChannel.h"
 #include "service/ListeningSocket.h"
+#include "service/RemovalExecution.h"
 #include "service/Scenario.h"
 #include "service/Service.h"
 
@@ -27,6 +28,8 @@ public:
         std::function<double()> clock;
         // Takes the lines of the request log.
         std::function<void(const std::string& line)> print;
+        // Carries removals out; without it they stay a matter of the record.
+        RemovalExecution* removal = nullptr;
     };
 
     ServiceLoop(Service&, Scenario, Options);

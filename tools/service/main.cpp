@@ -1,5 +1,6 @@
 #include "service/CommandLine.h"
 #include "service/LaunchLedger.h"
+#include "service/RemovalExecution.h"
 #include "service/ServiceLoop.h"
 #include "service/SignalWatch.h"
 
@@ -7,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <optional>
 #include <random>
 #include <string>
 #include <unistd.h>
@@ -85,8 +87,19 @@ static int serve(const CommandLine& commandLine)
         launchOrder = *order;
     }
 
+    std::optional<RemovalOnDisk> removalOnDisk;
+    if (commandLine.rootPath) {
+        const auto opened = RemovalOnDisk::open(*commandLine.rootPath);
+        if (!opened)
+            return complain(opened.error(), failed);
+        removalOnDisk = *opened;
+    }
+
     const SignalWatch signals;
     Service service(makeIdentity(launchOrder));
+    std::optional<RemovalExecution> removal;
+    if (removalOnDisk)
+        removal.emplace(service, *removalOnDisk, commandLine.removalTimes);
     const auto startedAt = std::chrono::steady_clock::now();
     ServiceLoop loop(service, std::move(scenario),
         {
@@ -95,6 +108,7 @@ static int serve(const CommandLine& commandLine)
             .logDetail = commandLine.logDetail,
             .clock = [startedAt] { return secondsOf(std::chrono::steady_clock::now() - startedAt); },
             .print = print,
+            .removal = removal ? &*removal : nullptr,
         });
     loop.quitWhenReadable(signals.descriptor());
     if (commandLine.takesStandardInput)

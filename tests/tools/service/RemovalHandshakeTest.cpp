@@ -121,6 +121,29 @@ TEST(RemovalHandshake, APendingRemovalLapsesButACommittedOneDoesNot)
     EXPECT_EQ(committed.state(), State::committed);
 }
 
+TEST(RemovalHandshake, WithTimesARemovalGoesOnByItselfEachStepAtItsOwnTimeHoweverLateTheCall)
+{
+    RemovalHandshake removal("launch-1", 1);
+    removal.setTimes({ .pending = 20, .committed = 5, .finishing = 7 });
+    removal.queue("42", Standing::good, 100);
+    // A second request starts anew; one that is refused does not.
+    removal.queue("42", Standing::good, 110);
+    removal.queue("43", Standing::good, 115);
+    removal.advance(129);
+    EXPECT_EQ(removal.state(), State::pending);
+    removal.advance(130);
+    EXPECT_EQ(removal.state(), State::committed);
+    removal.advance(140);
+    EXPECT_EQ(removal.state(), State::finishing);
+    EXPECT_EQ(removal.record()["finishing_by"], 142.0);
+    EXPECT_FALSE(removal.isOver(141));
+    EXPECT_TRUE(removal.isOver(142));
+    removal.clear();
+    removal.makePending(200, 19);
+    removal.advance(1000);
+    EXPECT_EQ(removal.state(), State::none);
+}
+
 TEST(RemovalHandshake, EveryChangeRaisesTheSequenceAndNothingElseDoes)
 {
     RemovalHandshake removal("launch-1", 1);
