@@ -29,8 +29,11 @@ RemovalShell::Change RemovalShell::statusArrived(const RemovalStatusField& remov
 {
     const auto before = *this;
     m_statusAvailable = true;
+    m_daemonGone = false; // It answers: the poll that failed was not its end.
     if (removal.snapshot && isNews(*removal.snapshot))
         accept(*removal.snapshot);
+    else if (removal.snapshot && isNewestAgain(*removal.snapshot))
+        m_daemonReplied = true;
     return *this == before ? Change::none : Change::changed;
 }
 
@@ -45,6 +48,14 @@ RemovalShell::Change RemovalShell::statusFailed()
     return *this == before ? Change::none : Change::changed;
 }
 
+RemovalShell::Change RemovalShell::serviceInstalled()
+{
+    const auto before = *this;
+    m_sawCommit = false;
+    m_daemonGone = false;
+    return *this == before ? Change::none : Change::changed;
+}
+
 bool RemovalShell::isNews(const RemovalSnapshot& snapshot) const
 {
     if (!m_fence)
@@ -54,6 +65,11 @@ bool RemovalShell::isNews(const RemovalSnapshot& snapshot) const
     return snapshot.launchOrder > m_fence->launchOrder;
 }
 
+bool RemovalShell::isNewestAgain(const RemovalSnapshot& snapshot) const
+{
+    return m_fence && m_fence->launch == snapshot.launch && m_fence->seq == snapshot.seq;
+}
+
 void RemovalShell::accept(const RemovalSnapshot& snapshot)
 {
     // Within one launch its order stands as it was first given.
@@ -61,7 +77,6 @@ void RemovalShell::accept(const RemovalSnapshot& snapshot)
     m_fence = Fence { snapshot.launch, sameLaunch ? m_fence->launchOrder : snapshot.launchOrder, snapshot.seq };
     m_snapshot = snapshot;
     m_daemonReplied = true;
-    m_daemonGone = false;
     if (snapshot.state == RemovalSnapshot::State::committed || snapshot.state == RemovalSnapshot::State::finishing)
         m_sawCommit = true;
 }

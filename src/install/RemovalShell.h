@@ -22,6 +22,9 @@ public:
     // The service did not answer. After a commit that is the end of the removal.
     [[nodiscard]] Change statusFailed();
 
+    // The service was installed anew: it has not been removed, whatever came before.
+    [[nodiscard]] Change serviceInstalled();
+
     // The service is about to go: it is handed nothing new, no sign-in token either.
     [[nodiscard]] bool isFinishing() const;
 
@@ -40,12 +43,13 @@ private:
     };
 
     [[nodiscard]] bool isNews(const RemovalSnapshot& snapshot) const;
+    [[nodiscard]] bool isNewestAgain(const RemovalSnapshot& snapshot) const;
     void accept(const RemovalSnapshot& snapshot);
     [[nodiscard]] std::string stateText() const;
 
     RemovalSnapshot m_snapshot; // The last one accepted.
     bool m_statusAvailable { false }; // The last poll was answered.
-    bool m_daemonReplied { false }; // A record was accepted since the service was last found gone.
+    bool m_daemonReplied { false }; // It gave, or stands by, the newest record since it was last found gone.
     bool m_daemonGone { false };
     bool m_sawCommit { false };
     std::optional<Fence> m_fence; // The newest accepted so far.

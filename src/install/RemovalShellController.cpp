@@ -2,6 +2,7 @@
 
 #include "daemon/BlockingStatus.h"
 #include "daemon/DaemonClient.h"
+#include "install/ServiceInstaller.h"
 #include "platform/SystemLog.h"
 
 namespace brevanta {
@@ -12,8 +13,10 @@ constexpr std::int64_t actionLimit = std::int64_t { 1 } << 53;
 
 }
 
-RemovalShellController::RemovalShellController(DaemonClient& daemonClient, SystemLog& log)
+RemovalShellController::RemovalShellController(
+    DaemonClient& daemonClient, const ServiceInstaller& installer, SystemLog& log)
     : m_daemonClient(daemonClient)
+    , m_installer(installer)
     , m_log(log)
 {
 }
@@ -29,6 +32,8 @@ void RemovalShellController::requestRemoval(const std::string& account)
 {
     if (!isRemovalAccount(account))
         return m_log.log("[Removal] request_uninstall ignored: no account");
+    if (m_installer.isInFlight())
+        return m_log.log("[Removal] request_uninstall refused: a blocking service install is in flight (#8008)");
     send(QueueRemoval {}, account);
 }
 
@@ -38,6 +43,8 @@ void RemovalShellController::cancelRemoval(std::int64_t actionId, const std::str
         return m_log.log("[Removal] cancel_uninstall ignored: no account or no action");
     send(CancelRemoval { actionId }, account);
 }
+
+void RemovalShellController::serviceInstalled() { changed(m_shell.serviceInstalled()); }
 
 void RemovalShellController::send(const RemovalRequest& request, const std::string& account)
 {

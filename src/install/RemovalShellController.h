@@ -11,20 +11,24 @@
 
 namespace brevanta {
 
+class ServiceInstaller;
 class SystemLog;
 
 // Follows the removal of the blocking service through its status replies, and asks for it. Main thread only.
 class RemovalShellController final : public StatusConsumer {
 public:
-    RemovalShellController(DaemonClient& daemonClient, SystemLog& log);
+    RemovalShellController(DaemonClient& daemonClient, const ServiceInstaller& installer, SystemLog& log);
 
     void consume(const std::shared_ptr<const BlockingStatus>& status) override;
     void serviceFailed() override;
 
     // Both send one request; how it went shows in the state. `account` is 1 to 32 decimal digits, and the action is at
-    // least 0 and below 2^53; anything else is logged and not sent.
+    // least 0 and below 2^53; anything else is logged and not sent. Nor is a removal asked for during an install.
     void requestRemoval(const std::string& account);
     void cancelRemoval(std::int64_t actionId, const std::string& account);
+
+    // The service was installed by this client: what was heard of the end of an earlier one no longer counts.
+    void serviceInstalled();
 
     [[nodiscard]] const RemovalShell& shell() const { return m_shell; }
 
@@ -36,6 +40,7 @@ private:
     void changed(RemovalShell::Change change);
 
     DaemonClient& m_daemonClient;
+    const ServiceInstaller& m_installer;
     SystemLog& m_log;
     RemovalShell m_shell;
     std::function<void()> m_observer;

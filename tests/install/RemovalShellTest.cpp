@@ -72,6 +72,27 @@ TEST(RemovalShell, ThePageHearsWhatTheServiceSaysAndWhatItsSilenceMeans)
     EXPECT_EQ(shell.statusFailed(), Change::none);
 }
 
+TEST(RemovalShell, AServiceThatAnswersAgainOrIsInstalledAnewHasNotBeenRemoved)
+{
+    RemovalShell shell;
+    const auto state = [&] { return shell.state(false).at("state").get<std::string>(); };
+    (void)shell.statusArrived(record(State::committed, "A", 1, 2));
+    (void)shell.statusFailed();
+    EXPECT_EQ(state(), "removed");
+    EXPECT_EQ(shell.statusArrived(record(State::committed, "A", 1, 2)), Change::changed);
+    EXPECT_EQ(state(), "committed") << "one poll had failed";
+    (void)shell.statusFailed();
+    (void)shell.statusArrived(record(State::pending, "A", 1, 1));
+    EXPECT_EQ(state(), "unavailable") << "it is there, but what it says is stale";
+    (void)shell.statusFailed();
+    EXPECT_EQ(state(), "removed");
+    EXPECT_EQ(shell.serviceInstalled(), Change::changed);
+    EXPECT_EQ(state(), "unavailable");
+    (void)shell.statusArrived(record(State::none, "B", 2, 1));
+    (void)shell.statusFailed();
+    EXPECT_EQ(state(), "unavailable") << "the new one has merely stopped";
+}
+
 TEST(RemovalShell, TheStateHasItsKeysAndOnlyThem)
 {
     RemovalShell shell;

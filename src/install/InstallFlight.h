@@ -1,0 +1,61 @@
+#pragma once
+
+#include "base/LifeToken.h"
+#include "install/InstallScript.h"
+#include "install/ServiceInstaller.h"
+
+#include <cstdint>
+#include <expected>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace brevanta {
+
+class Administrator;
+class SystemLog;
+struct AdministratorError;
+
+// How an install ended.
+enum class InstallOutcome { installed, cancelled, failed };
+
+// The one install of the blocking service at a time, from the question for the password to its end. Main thread only.
+class InstallFlight final : public ServiceInstaller {
+public:
+    struct Dependencies {
+        Administrator& administrator;
+        SystemLog& log;
+        // The paths of this installation, or why there are none: "Could not locate the app bundle." or "Daemon file
+        // missing from bundle:" with the path. Asked anew for each install.
+        std::function<std::expected<InstallPaths, std::string>()> paths;
+        std::function<void(const std::string& message)> showFailure; // An alert of its own.
+        std::function<void()> changed; // The flight has begun or ended.
+    };
+
+    explicit InstallFlight(Dependencies dependencies);
+
+    void begin() override;
+    [[nodiscard]] bool isInFlight() const override;
+
+    // Rises with each install that begins; 0 before the first.
+    [[nodiscard]] std::uint64_t generation() const;
+
+    // Called once when the install under way has ended, after the user was told; waiters are called in their order.
+    // Without an install under way it is called at once, from inside this call, with the last one's outcome, which is
+    // `cancelled` before the first.
+    void whenEnded(std::function<void(InstallOutcome)> waiter);
+
+private:
+    void answered(const std::expected<std::string, AdministratorError>& answer);
+    void failed(const std::string& message);
+    void ended(InstallOutcome outcome);
+
+    Dependencies m_dependencies;
+    std::uint64_t m_generation { 0 };
+    bool m_inFlight { false };
+    InstallOutcome m_lastOutcome { InstallOutcome::cancelled };
+    std::vector<std::function<void(InstallOutcome)>> m_waiters;
+    LifeToken m_life;
+};
+
+}
