@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/BuildConfiguration.h"
 #include "base/SerialQueue.h"
+#include "gtk/AdministratorGtk.h"
 #include "gtk/AlertPanelGtk.h"
 #include "gtk/ApplicationLifecycleGtk.h"
 #include "gtk/ClockGtk.h"
@@ -158,6 +159,7 @@ int runApplication(
     LocalSocketPosix localSockets;
     ServiceManagerGtk services(mainLoop, configuration.root);
     FilterSystemGtk filterSystem(mainLoop, configuration.root, contents);
+    AdministratorGtk administrator(mainWindow.window(), mainLoop, configuration.root, contents / "StandIns");
     FileStorePosix files;
     SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
     SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
@@ -190,7 +192,9 @@ int runApplication(
                              .parseUrl = parseUrl,
                              .resources = resources,
                              .home = homeFolder(configuration),
-                             .systemLanguages = systemLanguages() },
+                             .systemLanguages = systemLanguages(),
+                             .bundle = contents.parent_path(),
+                             .administrator = administrator },
         configuration);
     return lifecycle.run(delegate, links);
 }

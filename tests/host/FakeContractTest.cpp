@@ -1,7 +1,9 @@
+#include "fakes/FakeAdministrator.h"
 #include "fakes/FakeFileStore.h"
 #include "fakes/FakeFilterSystem.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
+#include "host/AdministratorContract.h"
 #include "host/FileStoreContract.h"
 #include "host/FilterSystemContract.h"
 #include "host/MainLoopContract.h"
@@ -55,6 +57,44 @@ private:
     std::optional<FakeFilterSystem> m_system;
 };
 
+class FakeAdministratorBench {
+public:
+    FakeAdministratorBench()
+    {
+        m_administrator.emplace(m_loop);
+        m_administrator->ends.isHeld = true;
+    }
+
+    Administrator& administrator() { return *m_administrator; }
+    void givePassword()
+    {
+        // What a shell would make of the scripts of the contract.
+        const auto& script = m_administrator->runs.back().script;
+        if (script.starts_with("echo"))
+            m_administrator->ends.answerOldest("written");
+        else
+            m_administrator->ends.answerOldest(
+                std::unexpected(AdministratorError { AdministratorError::Kind::scriptFailed, "reason" }));
+    }
+    void cancel()
+    {
+        m_administrator->ends.answerOldest(
+            std::unexpected(AdministratorError { .kind = AdministratorError::Kind::cancelled }));
+    }
+    bool serveUntil(const std::function<bool()>& condition)
+    {
+        m_loop.runPosted();
+        return condition();
+    }
+    void serveForATurn() { m_loop.runPosted(); }
+    void end() { m_administrator.reset(); }
+
+private:
+    FakeClock m_clock;
+    FakeMainLoop m_loop { m_clock };
+    std::optional<FakeAdministrator> m_administrator;
+};
+
 class FakeWorkspaceBench {
 public:
     FakeWorkspaceBench() { m_workspace.emplace(m_loop); }
@@ -105,6 +145,7 @@ private:
 
 }
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, AdministratorContract, FakeAdministratorBench);
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, FilterSystemContract, FakeFilterSystemBench);
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, MainLoopContract, FakeMainLoopBench);
 INSTANTIATE_TYPED_TEST_SUITE_P(Fake, UserDefaultsContract, FakeUserDefaultsBench);

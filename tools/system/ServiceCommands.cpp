@@ -14,6 +14,7 @@ constexpr CommandUsage usages[] = {
     { "unloaded", "launchd does not know it" },
     { "allowed", "the user allows it to run in the background" },
     { "turned-off", "the user switches it off, and launchd unloads it" },
+    { "refuse-bootstrap COUNT", "the next attempts to load it fail with status 5, this often" },
 };
 
 template <typename Action> ServiceCommand changing(Action action)
@@ -28,6 +29,20 @@ template <typename Action> ServiceCommand changing(Action action)
         .program = ProgramChange::none };
 }
 
+void unload(ServiceStandIn& standIn)
+{
+    standIn.isLoaded = false;
+    standIn.process.reset();
+}
+
+std::optional<ServiceCommand> refusal(const std::string& word)
+{
+    const auto count = word == "0" ? std::optional(0) : positiveNumber(word);
+    if (!count)
+        return std::nullopt;
+    return changing([count = *count](ServiceStandIn& standIn) { standIn.refusals = count; });
+}
+
 ServiceCommand changingProgram(ProgramChange program)
 {
     return { .change = [](const Result& current) { return current; }, .program = program };
@@ -37,6 +52,8 @@ ServiceCommand changingProgram(ProgramChange program)
 
 std::optional<ServiceCommand> serviceCommand(std::span<const std::string> words)
 {
+    if (words.size() == 2 && words[0] == "refuse-bootstrap")
+        return refusal(words[1]);
     if (words.size() != 1)
         return std::nullopt;
     const auto& name = words.front();
@@ -49,12 +66,13 @@ std::optional<ServiceCommand> serviceCommand(std::span<const std::string> words)
     if (name == "loaded")
         return changing([](ServiceStandIn& standIn) { standIn.isLoaded = true; });
     if (name == "unloaded")
-        return changing([](ServiceStandIn& standIn) { standIn.isLoaded = false; });
+        return changing(unload);
     if (name == "allowed")
         return changing([](ServiceStandIn& standIn) { standIn.backgroundItem = BackgroundItem::allowed; });
     if (name == "turned-off") {
         return changing([](ServiceStandIn& standIn) {
-            standIn = { .isLoaded = false, .backgroundItem = BackgroundItem::requiresApproval };
+            unload(standIn);
+            standIn.backgroundItem = BackgroundItem::requiresApproval;
         });
     }
     return std::nullopt;

@@ -1,3 +1,4 @@
+#include "gtk/standin/ServiceProcessControl.h"
 #include "posix/AtomicFile.h"
 #include "posix/ServiceProgram.h"
 #include "system/CommandLine.h"
@@ -67,8 +68,15 @@ public:
 
     Done operator()(const ServiceCommand& command) const
     {
-        if (auto changed = withoutValue(m_store.changeService(command.change)); !changed)
-            return changed;
+        std::optional<ServiceProcess> before;
+        const auto changed = m_store.changeService([&](const StandInStore::Read<ServiceStandIn>& current) {
+            before = current ? current->process : std::nullopt;
+            return command.change(current);
+        });
+        if (!changed)
+            return std::unexpected(changed.error());
+        if (before && !changed->process)
+            endServiceProcess(*before);
         return changeProgram(m_root, command.program);
     }
 

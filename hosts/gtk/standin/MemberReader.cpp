@@ -23,15 +23,19 @@ void MemberReader::read(std::string_view key, bool& target)
         refuse(key);
 }
 
-void MemberReader::read(std::string_view key, int& target)
+void MemberReader::read(std::string_view key, int& target) { readNumber(key, target); }
+
+void MemberReader::read(std::string_view key, std::int64_t& target) { readNumber(key, target); }
+
+template <typename Number> void MemberReader::readNumber(std::string_view key, Number& target)
 {
     const auto* const member = take(key);
     if (!member)
         return;
     // The parser gives every number without a sign as unsigned; one above int64_t turns negative here.
-    const auto number = member->is_number_integer() ? member->get<std::int64_t>() : std::numeric_limits<int>::min();
-    if (number > 0 && number <= std::numeric_limits<int>::max())
-        target = static_cast<int>(number);
+    const auto number = member->is_number_integer() ? member->get<std::int64_t>() : 0;
+    if (number > 0 && number <= std::numeric_limits<Number>::max())
+        target = static_cast<Number>(number);
     else
         refuse(key);
 }

@@ -3,6 +3,7 @@
 #include "gtk/standin/NamedValues.h"
 #include "gtk/standin/StandInError.h"
 
+#include <cstdint>
 #include <expected>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -19,7 +20,8 @@ public:
     explicit MemberReader(const nlohmann::json& value);
 
     void read(std::string_view key, bool& target);
-    void read(std::string_view key, int& target);
+    void read(std::string_view key, int& target); // Above 0.
+    void read(std::string_view key, std::int64_t& target); // Above 0.
     void read(std::string_view key, std::optional<std::string>& target);
 
     template <typename Enum, std::size_t count>
@@ -58,6 +60,7 @@ public:
     }
 
 private:
+    template <typename Number> void readNumber(std::string_view key, Number& target);
     const nlohmann::json* take(std::string_view key);
     void refuse(std::string_view key);
 

@@ -119,6 +119,10 @@ TEST(SystemCommand, TheServiceFollowsTheCommands)
         ProgramChange program;
     };
     constexpr ServiceStandIn running { .isLoaded = true, .backgroundItem = BackgroundItem::allowed };
+    constexpr ServiceStandIn started { .isLoaded = true,
+        .backgroundItem = BackgroundItem::allowed,
+        .refusals = 2,
+        .process = ServiceProcess { .processId = 7, .startTicks = 70 } };
     const Case cases[] = {
         { "service loaded", {}, { .isLoaded = true }, ProgramChange::none },
         { "service unloaded", running, { .backgroundItem = BackgroundItem::allowed }, ProgramChange::none },
@@ -127,6 +131,17 @@ TEST(SystemCommand, TheServiceFollowsTheCommands)
         { "service installed", running, running, ProgramChange::install },
         { "service missing", running, running, ProgramChange::remove },
         { "service fresh", running, {}, ProgramChange::remove },
+        { "service fresh", started, {}, ProgramChange::remove },
+        { "service missing", started, started, ProgramChange::remove },
+        { "service unloaded", started, { .backgroundItem = BackgroundItem::allowed, .refusals = 2 },
+            ProgramChange::none },
+        { "service turned-off", started, { .backgroundItem = BackgroundItem::requiresApproval, .refusals = 2 },
+            ProgramChange::none },
+        { "service refuse-bootstrap 3", running,
+            { .isLoaded = true, .backgroundItem = BackgroundItem::allowed, .refusals = 3 }, ProgramChange::none },
+        { "service refuse-bootstrap 0", started,
+            { .isLoaded = true, .backgroundItem = BackgroundItem::allowed, .refusals = 0, .process = started.process },
+            ProgramChange::none },
     };
     for (const auto& [line, before, after, program] : cases) {
         const auto command = parse(line);
@@ -175,8 +190,9 @@ TEST(SystemCommand, MistakesAreRefused)
              "filter requests fail", "filter requests fail 0", "filter requests fail -1", "filter requests fail 1x",
              "filter requests fail 99999999999", "filter requests grant 1", "filter prompt", "filter prompt allow it",
              "filter -queries", "filter stop-queries", "filter fail-queries everything",
-             "filter fail-queries preferences properties", "service loaded now", "service off", "show filter", "app",
-             "app launch", "app launch a 0", "app launch a -1", "app launch a 1x", "app launch a 99999999999",
+             "filter fail-queries preferences properties", "service loaded now", "service off",
+             "service refuse-bootstrap", "service refuse-bootstrap -1", "service refuse-bootstrap 1 2", "show filter",
+             "app", "app launch", "app launch a 0", "app launch a -1", "app launch a 1x", "app launch a 99999999999",
              "app launch a 1 2", "app quit", "app quit a 1", "app fresh now", "app start a" })
         EXPECT_FALSE(parse(line)) << line;
     for (const std::string line : { "", "show", "--root", "--root show", "--root r", "--roots r show",
