@@ -1,6 +1,7 @@
 // The composition root of the Mac client: builds the adapters and hands them to AppDelegate.
 #include "app/AppDelegate.h"
 #include "base/SerialQueue.h"
+#include "mac/AdministratorMac.h"
 #include "mac/AlertPanelMac.h"
 #include "mac/ApplicationLifecycleMac.h"
 #include "mac/BundleFactsMac.h"
@@ -103,6 +104,7 @@ void runApplication(const BuildConfiguration& configuration)
     SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
     SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
     SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
+    SerialQueue installerQueue(queueThread("com.brevanta.daemon-installer"));
     ApplicationLifecycleMac lifecycle(mainLoop);
     installMainMenu(NSApplication.sharedApplication);
     WebViewMac webView(mainLoop);
@@ -115,6 +117,7 @@ void runApplication(const BuildConfiguration& configuration)
     NotificationCenterMac notifications(mainLoop);
     ServiceManagerMac services(mainLoop, configuration.root);
     FilterSystemMac filterSystem(mainLoop);
+    AdministratorMac administrator(mainLoop, installerQueue);
     FileStorePosix files;
     AppDelegate delegate(
         {
@@ -147,6 +150,8 @@ void runApplication(const BuildConfiguration& configuration)
             .resources = utf8FromString(NSBundle.mainBundle.resourcePath),
             .home = utf8FromString(NSHomeDirectory()),
             .systemLanguages = systemLanguages(),
+            .bundle = utf8FromString(NSBundle.mainBundle.bundlePath),
+            .administrator = administrator,
         },
         configuration);
     lifecycle.run(delegate);

@@ -124,6 +124,13 @@ FAULTS = [
         "FilterSystemMac.mm", r"-Wnullable-to-nonnull-conversion"),
     Fault("status of another class", "ServiceManagerMac.mm", "status == SMAppServiceStatusEnabled",
         "status == NSTaskTerminationReasonExit", "ServiceManagerMac.mm", r"different enumeration types"),
+    Fault("error information of another kind", "AdministratorMac.mm", "NSDictionary<NSString*, id>* information = nil;",
+        "NSError* information = nil;", "AdministratorMac.mm",
+        r"incompatible pointer types|cannot initialize a parameter|no matching function"),
+    Fault("language for an instance of it", "AdministratorMac.mm", "languageInstance:instance",
+        "languageInstance:language", "AdministratorMac.mm", r"cannot initialize a parameter of type .OSALanguageInstance"),
+    Fault("initializer with a wrong label", "AdministratorMac.mm", "usingStorageOptions:OSANull",
+        "usingOptions:OSANull", "AdministratorMac.mm", r"no visible @interface for 'OSAScript' declares the selector"),
     Fault("source file that the build does not know", "CMakeLists.txt", "    ClockMac.mm\n", "", "ClockMac.mm",
         r"does not name ClockMac\.mm"),
 ]
