@@ -2,18 +2,19 @@
 
 #include "app/FirstLoadHold.h"
 #include "app/Notices.h"
+#include "app/ServiceInstallation.h"
 #include "app/WindowAtLaunch.h"
 #include "daemon/DaemonClient.h"
 #include "daemon/SharedBlockStateWriter.h"
 #include "daemon/SocketTransport.h"
 #include "install/RemovalShellController.h"
-#include "install/ServiceInstaller.h"
 #include "menubar/MenuBarController.h"
 #include "notify/NotificationSounds.h"
 #include "platform/Clock.h"
 #include "platform/LocalSocket.h"
 #include "platform/LoginRecords.h"
 #include "platform/MainLoop.h"
+#include "platform/ServiceManager.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
 #include "setup/ComponentMonitor.h"
@@ -25,34 +26,6 @@
 #include <utility>
 
 namespace brevanta {
-
-namespace {
-
-// There is no install of the service in this client yet, and whoever asks for one is told so.
-class UnavailableInstaller final : public ServiceInstaller {
-public:
-    explicit UnavailableInstaller(AppAlertPresenter& alerts)
-        : m_alerts(alerts)
-    {
-    }
-
-    void begin() override
-    {
-        m_alerts.present({ .identifier = "installationFailed",
-                             .style = AlertStyle::warning,
-                             .message = "Installation Failed",
-                             .informativeText = "This version of Brevanta cannot install its blocking service.",
-                             .buttons = { "OK" } },
-            [](AlertResponse) { });
-    }
-
-    [[nodiscard]] bool isInFlight() const override { return false; }
-
-private:
-    AppAlertPresenter& m_alerts;
-};
-
-}
 
 AppDelegate::AppDelegate(AppPorts ports, BuildConfiguration configuration)
     : m_ports(std::move(ports))
@@ -83,11 +56,13 @@ void AppDelegate::applicationDidFinishLaunching()
         .systemLanguages = m_ports.systemLanguages,
     });
     createComponentMonitor();
+    createInstallation();
     createWindow();
     armLaunchHold();
     createMenuBarController();
     decideWindowAtLaunch();
     m_webViewWindow->loadCoordinator().prepare();
+    m_deviceSetup->launched(m_ports.services.isProgramInstalled() ? ServiceProgram::present : ServiceProgram::absent);
     m_notices->awaitClicks(
         [this](const std::string& url) { return isTrusted(url); }, [this] { m_webViewWindow->open(); });
 }
@@ -120,7 +95,15 @@ void AppDelegate::systemDidWake()
         m_webViewWindow->systemDidWake();
 }
 
-TerminationDecision AppDelegate::applicationShouldTerminate() { return TerminationDecision::now; }
+TerminationDecision AppDelegate::applicationShouldTerminate()
+{
+    return m_installation ? m_installation->shouldTerminate() : TerminationDecision::now;
+}
+
+RelaunchDecision AppDelegate::updaterShouldRelaunch(std::function<void()> relaunch)
+{
+    return m_installation ? m_installation->shouldRelaunch(std::move(relaunch)) : RelaunchDecision::now;
+}
 
 void AppDelegate::applicationShouldReopen()
 {
@@ -151,7 +134,6 @@ void AppDelegate::createComponentMonitor()
         .fileName = std::string(sharedBlockStateFileName(m_configuration.flavour == Flavour::dev ? "dev" : "prod")),
     });
     m_alerts = std::make_unique<AppAlertPresenter>(m_ports.alerts, m_ports.mainLoop);
-    m_installer = std::make_unique<UnavailableInstaller>(*m_alerts);
     m_monitor = std::make_unique<ComponentMonitor>(ComponentMonitor::Dependencies {
         .mainLoop = m_ports.mainLoop,
         .clock = m_ports.clock,
@@ -164,17 +146,48 @@ void AppDelegate::createComponentMonitor()
     });
 }
 
+void AppDelegate::createInstallation()
+{
+    m_installation = std::make_unique<ServiceInstallation>(ServiceInstallation::Dependencies {
+        .administrator = m_ports.administrator,
+        .log = m_ports.log,
+        .files = m_ports.files,
+        .alerts = *m_alerts,
+        .lifecycle = m_ports.lifecycle,
+        .bundle = m_ports.bundle,
+        .root = m_configuration.root,
+        .changed = [this] { installChanged(); },
+        .showQuitHeld = [this] { m_menuBarController->showQuitHeld(); },
+    });
+}
+
+void AppDelegate::installChanged()
+{
+    auto& flight = m_installation->flight();
+    if (flight.isInFlight())
+        m_monitor->installBegan();
+    else
+        flight.whenEnded([this](InstallOutcome outcome) {
+            m_monitor->installEnded(outcome);
+            if (outcome == InstallOutcome::installed)
+                m_removal->serviceInstalled();
+        });
+    m_menuBarController->componentsChanged();
+}
+
 void AppDelegate::createWindow()
 {
     m_deviceSetup = std::make_unique<DeviceSetupActions>(DeviceSetupActions::Dependencies {
         .monitor = *m_monitor,
         .services = m_ports.services,
         .log = m_ports.log,
+        .installService = [this](std::function<void()> onEnd) { m_installation->install(std::move(onEnd)); },
+        .isInstalling = [this] { return m_installation->flight().isInFlight(); },
         .activateFilter = [this](std::function<void()> onEnd) { m_menuBarController->installFilter(std::move(onEnd)); },
         .openFilterSettings = [this] { m_menuBarController->settingsGuide().openFilterApprovalPane(); },
         .openLoginItems = [this] { m_menuBarController->settingsGuide().openLoginItemsSettings(); },
     });
-    m_removal = std::make_unique<RemovalShellController>(*m_daemonClient, m_ports.log);
+    m_removal = std::make_unique<RemovalShellController>(*m_daemonClient, m_installation->flight(), m_ports.log);
     m_webViewWindow = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
         .mainLoop = m_ports.mainLoop,
         .pageScriptQueue = m_ports.pageScriptQueue,
@@ -225,7 +238,7 @@ void AppDelegate::createMenuBarController()
         .alerts = *m_alerts,
         .monitor = *m_monitor,
         .deviceSetup = *m_deviceSetup,
-        .installer = *m_installer,
+        .installer = m_installation->flight(),
         .webShell = m_webViewWindow.get(),
         .consumers = statusConsumers(),
         .version = m_configuration.version,

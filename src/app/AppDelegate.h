@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/BuildConfiguration.h"
+#include "app/InstallHold.h"
 #include "filter/SystemSettings.h"
 #include "platform/ApplicationLifecycle.h"
 #include "platform/Url.h"
@@ -15,6 +16,7 @@
 
 namespace brevanta {
 
+class Administrator;
 class AlertPanel;
 class AppAlertPresenter;
 class Clock;
@@ -35,7 +37,7 @@ class Notices;
 class OpenPanel;
 class Placeholder;
 class RemovalShellController;
-class ServiceInstaller;
+class ServiceInstallation;
 class ServiceManager;
 class SharedBlockStateWriter;
 class StatusConsumer;
@@ -81,6 +83,8 @@ struct AppPorts {
     std::filesystem::path resources; // The folder of what the application ships with: sounds, texts.
     std::filesystem::path home; // The user's folder.
     std::vector<std::string> systemLanguages; // Those that the user prefers, as in `chooseNoticeLanguage`.
+    std::filesystem::path bundle; // The application's bundle; empty when it cannot be located.
+    Administrator& administrator;
 };
 
 // Builds every long-lived object of the client at launch, in a fixed order, and answers the application object.
@@ -99,8 +103,14 @@ public:
     void applicationShouldReopen() override;
     void applicationWillTerminate() override;
 
+    // An update wants the application to end and to start anew. After `later`, `relaunch` is called once when the
+    // install that is under way has ended; after `now` it is not called.
+    [[nodiscard]] RelaunchDecision updaterShouldRelaunch(std::function<void()> relaunch);
+
 private:
     void createDaemonClient();
+    void createInstallation();
+    void installChanged();
     void createComponentMonitor();
     void createWindow();
     void armLaunchHold();
@@ -116,7 +126,7 @@ private:
     std::unique_ptr<SharedBlockStateWriter> m_sharedStateWriter;
     std::unique_ptr<AppAlertPresenter> m_alerts;
     std::unique_ptr<Notices> m_notices;
-    std::unique_ptr<ServiceInstaller> m_installer;
+    std::unique_ptr<ServiceInstallation> m_installation;
     std::unique_ptr<ComponentMonitor> m_monitor;
     std::unique_ptr<DeviceSetupActions> m_deviceSetup;
     std::unique_ptr<RemovalShellController> m_removal;

@@ -175,6 +175,12 @@ void MenuBarController::componentsChanged()
     m_dependencies.deviceSetup.componentsChanged();
 }
 
+void MenuBarController::showQuitHeld()
+{
+    m_state.quit = QuitLine::held;
+    refreshStatusItem();
+}
+
 void MenuBarController::refreshStatusItem()
 {
     m_state.service = m_dependencies.monitor.serviceLine();

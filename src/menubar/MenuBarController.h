@@ -64,6 +64,12 @@ public:
     // waits for the user.
     void installFilter(std::function<void()> onEnd);
 
+    // What is known of the two components may have changed: shows it everywhere.
+    void componentsChanged();
+
+    // The user has quit the application, which goes on until the install under way has ended.
+    void showQuitHeld();
+
     [[nodiscard]] FilterSettingsGuide& settingsGuide() { return m_settingsGuide; }
 
     // How long after launch a service that does not answer counts as starting. The service's own start takes a few
@@ -85,7 +91,6 @@ private:
     void signalPage(const std::string& line);
     void rememberDisplay(const BlockingStatus& status);
     void forgetDisplay();
-    void componentsChanged();
     void filterRequestEnded(const FilterRequestEnd& end);
     void refreshStatusItem();
     void chosen(MenuItemId item);

@@ -57,6 +57,11 @@ MenuItem restart(const ComponentLine& service)
 
 MenuItem separator() { return { .kind = MenuItemKind::separator, .title = {}, .keyEquivalent = {} }; }
 
+const char* quitTitle(QuitLine quit)
+{
+    return quit == QuitLine::held ? "Quitting after the install finishes…" : "Quit";
+}
+
 std::string blockingTitle(const StatusMenuState& state)
 {
     switch (state.contact) {
@@ -118,7 +123,7 @@ StatusItemContent statusItemContent(const StatusMenuState& state)
             detail(MenuCommand::showActiveTask, activeTaskTag, "Active: ", whileAnswering(state.activeTaskTitle)),
             detail(MenuCommand::showReason, reasonTag, "Reason: ", whileAnswering(state.blockReason)),
             separator(),
-            withKey(command(MenuCommand::quit, "Quit", quitTag), "q"),
+            withKey(command(MenuCommand::quit, quitTitle(state.quit), quitTag), "q"),
         } },
     };
 }

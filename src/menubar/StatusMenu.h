@@ -25,6 +25,7 @@ enum class MenuCommand : int {
 
 enum class ServiceContact { notAskedYet, answering, starting, unreachable };
 enum class Availability { absent, available };
+enum class QuitLine { offered, held }; // Held: the quit was chosen, and waits for an install to end.
 
 // Everything that the status item shows, in the client's own terms.
 struct StatusMenuState {
@@ -38,6 +39,7 @@ struct StatusMenuState {
     ComponentLine filter;
     Availability updater { Availability::absent };
     Availability webShell { Availability::absent };
+    QuitLine quit { QuitLine::offered };
 };
 
 // A pure function: the same state always gives an equal content. What is stale is never shown: while the service does

@@ -51,6 +51,8 @@ void ComponentMonitor::pollSucceeded(const BlockingStatus& status, double reques
     if (const auto line = m_reports.answered(status.filterHealthResult))
         m_dependencies.log.log(*line);
     refresh();
+    if (std::holds_alternative<DaemonHealth::Running>(serviceState()))
+        m_upgradeHeld = false;
 }
 
 void ComponentMonitor::pollFailed(const DaemonFailure& failure, double requestStartedAt)
@@ -125,11 +127,29 @@ std::optional<DaemonUpgradePolicy::Decision> ComponentMonitor::upgradeDecision()
     return running ? std::optional(running->upgrade) : std::nullopt;
 }
 
-void ComponentMonitor::setInstallInFlight(bool inFlight)
+void ComponentMonitor::serviceProgramMissing()
 {
-    if (m_service.installInFlight && !inFlight)
+    if (m_service.launchCheck)
+        return;
+    m_service.launchCheck = LaunchCheck::notInstalled;
+    refresh();
+}
+
+void ComponentMonitor::installBegan()
+{
+    const auto decision = upgradeDecision(); // As long as an install is under way there is none.
+    m_upgradeHeld = decision && std::holds_alternative<DaemonUpgradePolicy::Upgrade>(*decision);
+    m_service.installInFlight = true;
+    refresh();
+}
+
+void ComponentMonitor::installEnded(InstallOutcome outcome)
+{
+    m_service.installInFlight = false;
+    if (outcome == InstallOutcome::installed)
         m_service.graceStartedAt = m_dependencies.clock.continuousSeconds();
-    m_service.installInFlight = inFlight;
+    else
+        m_upgradeHeld = false;
     refresh();
 }
 

@@ -10,6 +10,7 @@
 #include "filter/FilterManager.h"
 #include "filter/LaunchFilterActivationPolicy.h"
 #include "filter/OffNoticeTracker.h"
+#include "install/InstallFlight.h"
 
 #include <functional>
 #include <optional>
@@ -71,9 +72,13 @@ public:
     // Whether an update of the service is to be offered; nothing while the service's version is not known.
     [[nodiscard]] std::optional<DaemonUpgradePolicy::Decision> upgradeDecision() const;
 
-    // Marks that keep what we bring about ourselves from being taken for somebody else's doing.
-    void setInstallInFlight(bool inFlight);
-    void setUpgradeHeld(bool held) { m_upgradeHeld = held; }
+    // The program file is not on this computer; counts until the system or a poll says more.
+    void serviceProgramMissing();
+
+    // An install of the service has begun or ended. What it brings about is not taken for somebody else's doing: while
+    // it is under way, in the grace period after one that went well, and after an update until the new service answers.
+    void installBegan();
+    void installEnded(InstallOutcome outcome);
 
 private:
     void filterPropertiesRead(std::vector<ExtensionRecord> records, double at) override;
@@ -94,7 +99,7 @@ private:
     std::optional<FilterPreferences> m_preferences; // The last that were read.
     std::optional<DaemonUpgradePolicy::Decision> m_loggedDecision;
     std::optional<double> m_serviceCheckedAt;
-    bool m_upgradeHeld { false };
+    bool m_upgradeHeld { false }; // We update the service, and the new one has not answered yet.
     LifeToken m_life;
 };
 

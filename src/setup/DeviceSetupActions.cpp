@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::string_view onboardingStarted = "setup_onboarding_started";
 constexpr std::string_view onboardingEnded = "setup_onboarding_ended";
+constexpr std::string_view installService = "setup_install_service";
+constexpr std::string_view updateService = "setup_update_service";
 constexpr std::string_view activateFilter = "setup_activate_filter";
 constexpr std::string_view openFilterSettings = "setup_open_filter_settings";
 constexpr std::string_view openLoginItems = "setup_open_login_items";
@@ -42,8 +44,12 @@ SetupActionOutcome DeviceSetupActions::perform(std::string_view action)
         m_dependencies.openFilterSettings();
     } else if (action == openLoginItems) {
         m_dependencies.openLoginItems();
+    } else if (action == installService) {
+        begin(action, m_dependencies.installService);
+    } else if (action == updateService) {
+        beginUpdate();
     } else if (action == activateFilter) {
-        begin(action);
+        begin(action, m_dependencies.activateFilter);
     } else {
         return SetupActionOutcome::unknown;
     }
@@ -53,8 +59,10 @@ SetupActionOutcome DeviceSetupActions::perform(std::string_view action)
 Json DeviceSetupActions::state() const
 {
     return { { "schema", 1 },
-        { "actions", { onboardingStarted, onboardingEnded, activateFilter, openFilterSettings, openLoginItems } },
-        { "running", m_running.empty() ? Json(nullptr) : Json(m_running) }, { "onboarding", m_onboardingActive },
+        { "actions",
+            { onboardingStarted, onboardingEnded, installService, updateService, activateFilter, openFilterSettings,
+                openLoginItems } },
+        { "running", running().empty() ? Json(nullptr) : Json(running()) }, { "onboarding", m_onboardingActive },
         { "service", std::visit(ServiceStateName {}, m_dependencies.monitor.serviceState()) },
         { "filter", reportName(m_dependencies.monitor.filterStatus()) } };
 }
@@ -69,6 +77,14 @@ bool DeviceSetupActions::isFilterRemovable() const
 
 void DeviceSetupActions::removeFilter() { m_dependencies.monitor.filterManager().remove(); }
 
+void DeviceSetupActions::launched(ServiceProgram program)
+{
+    if (program == ServiceProgram::present)
+        return;
+    m_dependencies.monitor.serviceProgramMissing();
+    componentsChanged();
+}
+
 void DeviceSetupActions::componentsChanged()
 {
     if (m_onChange)
@@ -81,20 +97,36 @@ void DeviceSetupActions::setOnboarding(bool active)
         componentsChanged();
 }
 
-void DeviceSetupActions::begin(std::string_view action)
+void DeviceSetupActions::begin(std::string_view action, const Start& start)
 {
-    if (!m_running.empty())
+    if (const auto underWay = running(); !underWay.empty())
         return m_dependencies.log.log(
-            "[DeviceSetup] " + std::string(action) + " ignored: " + m_running + " is under way");
+            "[DeviceSetup] " + std::string(action) + " ignored: " + std::string(underWay) + " is under way");
     m_running = action;
     componentsChanged();
-    m_dependencies.activateFilter(m_life.guard([this] { ended(); }));
+    start(m_life.guard([this] { ended(); }));
+}
+
+void DeviceSetupActions::beginUpdate()
+{
+    const auto decision = m_dependencies.monitor.upgradeDecision();
+    const bool isOffered = decision && std::holds_alternative<DaemonUpgradePolicy::Upgrade>(*decision);
+    // While one is under way nothing is offered; that it is under way says more.
+    if (!isOffered && running().empty())
+        return m_dependencies.log.log("[DeviceSetup] setup_update_service ignored: there is no update to be offered");
+    begin(updateService, m_dependencies.installService);
 }
 
 void DeviceSetupActions::ended()
 {
     m_running.clear();
     componentsChanged();
+}
+
+// An install that was begun elsewhere is the page's business too: until it has ended, no other can begin.
+std::string_view DeviceSetupActions::running() const
+{
+    return m_running.empty() && m_dependencies.isInstalling() ? installService : std::string_view(m_running);
 }
 
 }

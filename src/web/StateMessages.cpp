@@ -10,6 +10,7 @@
 #include "web/PageDelivery.h"
 #include "web/PageScripts.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -17,15 +18,18 @@ namespace brevanta {
 
 namespace {
 
-constexpr std::uint64_t actionLimit = std::uint64_t { 1 } << 53U;
+constexpr double actionLimit = 9007199254740992; // 2^53: up to here a double holds each whole number.
 
-// A number without a fraction, at least 0 and below 2^53. The engine writes whole numbers without a point.
+// A number without a fraction, at least 0 and below 2^53. Engines differ in how they write a whole number.
 std::optional<std::int64_t> actionIdOf(const BridgeMessage& message)
 {
     const auto found = message.body.find("actionId");
-    if (found == message.body.end() || !found->is_number_unsigned() || found->get<std::uint64_t>() >= actionLimit)
+    if (found == message.body.end() || !found->is_number())
         return std::nullopt;
-    return found->get<std::int64_t>();
+    const auto number = found->get<double>();
+    if (!(number >= 0 && number < actionLimit) || std::trunc(number) != number)
+        return std::nullopt;
+    return static_cast<std::int64_t>(number);
 }
 
 }
@@ -68,7 +72,13 @@ void StateMessages::addRemoval(BridgeTable& table)
 
 void StateMessages::removalChanged() { deliverRemovalState(Repeat::skip); }
 
-void StateMessages::deviceSetupChanged() { deliverDeviceSetupState(Repeat::skip); }
+void StateMessages::deviceSetupChanged()
+{
+    deliverDeviceSetupState(Repeat::skip);
+    // Whether the filter may be removed is part of the removal's state; a page that never heard of that is not told.
+    if (!m_lastRemovalKey.empty())
+        deliverRemovalState(Repeat::skip);
+}
 
 void StateMessages::forgetDelivered()
 {

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "fakes/FakeAdministrator.h"
 #include "fakes/FakeFileStore.h"
 #include "fakes/FakeFilterSystem.h"
 #include "fakes/FakeLocalSockets.h"
@@ -8,6 +9,7 @@
 #include "fakes/FakeServiceManager.h"
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
+#include "install/InstallScript.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -63,13 +65,14 @@ protected:
     FakeServiceManager services { mainLoop };
     FakeFilterSystem filterSystem { mainLoop };
     FakeFileStore files;
-    AppDelegate delegate { AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, sockets, clock, log, defaults,
-                               lifecycle, window, statusItem, alerts, workspace, notifications, loginRecords, webView,
-                               placeholder, openPanel, services, filterSystem, files,
-                               [] { return std::filesystem::path("/shared"); }, SystemVersion {},
-                               [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
-                               [this](const std::string& text) { return parseUrl(text); },
-                               "/Applications/Brevanta.app/Contents/Resources", "/Users/ada", { "es-MX" } },
+    FakeAdministrator administrator { mainLoop };
+    AppDelegate delegate {
+        AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, sockets, clock, log, defaults, lifecycle, window,
+            statusItem, alerts, workspace, notifications, loginRecords, webView, placeholder, openPanel, services,
+            filterSystem, files, [] { return std::filesystem::path("/shared"); }, SystemVersion {},
+            [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
+            [this](const std::string& text) { return parseUrl(text); }, "/Applications/Brevanta.app/Contents/Resources",
+            "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator },
         BuildConfiguration { .version = "0.121.0",
             .bundleIdentifier = {},
             .root = "/",
@@ -78,7 +81,8 @@ protected:
             .trustedHosts = { "www.example.com" },
             .signInHosts = {},
             .extensionStoreUrl = {},
-            .extraCertificate = std::nullopt } };
+            .extraCertificate = std::nullopt }
+    };
 };
 
 }
@@ -129,6 +133,60 @@ TEST_F(AppDelegateTest, QuitTerminatesAtOnceAndCutsOffWhatTheServiceHolds)
     EXPECT_EQ(delegate.applicationShouldTerminate(), TerminationDecision::now);
     delegate.applicationWillTerminate();
     EXPECT_EQ(sockets.interrupts, 1);
+}
+
+TEST_F(AppDelegateTest, AnInstallIsShownEverywhereAndHoldsTheQuit)
+{
+    const std::filesystem::path resources = "/Applications/Brevanta.app/Contents/Resources";
+    files.replaceFromOutside(resources / "com.brevanta.daemon", "service");
+    files.replaceFromOutside(resources / "com.brevanta.daemon.plist", "list");
+    administrator.ends.isHeld = true;
+    launch();
+    statusItem.choose("⚠ Install Blocking Service…");
+    EXPECT_EQ(statusItem.visibleTitle(200), "Blocking Service: installing…");
+    statusItem.choose("Quit");
+    EXPECT_EQ(lifecycle.terminations, 1);
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminationDecision::later);
+    EXPECT_EQ(statusItem.visibleTitle(400), "Quitting after the install finishes…");
+    bool isRelaunched = false;
+    EXPECT_EQ(delegate.updaterShouldRelaunch([&] { isRelaunched = true; }), RelaunchDecision::later);
+    EXPECT_TRUE(lifecycle.answers.empty() && !isRelaunched);
+    administrator.ends.answerOldest();
+    mainLoop.runPosted();
+    EXPECT_TRUE(isRelaunched);
+    EXPECT_EQ(lifecycle.answers, std::vector { TerminationAnswer::proceed });
+    EXPECT_EQ(statusItem.visibleTitle(200), "Blocking Service: starting…");
+    EXPECT_TRUE(alerts.presented.empty());
+}
+
+TEST_F(AppDelegateTest, NothingThatThePageSaysReachesTheInstallScript)
+{
+    const std::filesystem::path resources = "/Applications/Brevanta.app/Contents/Resources";
+    const InstallPaths paths { .bundledProgram = resources / "com.brevanta.daemon",
+        .bundledPropertyList = resources / "com.brevanta.daemon.plist" };
+    files.replaceFromOutside(paths.bundledProgram, "service");
+    files.replaceFromOutside(paths.bundledPropertyList, "list");
+    launch();
+    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
+    webView.configuration->messageHandlers.at(0).handler.messageArrived(
+        { R"json({"type":"setup_install_service","bundledProgram":"/tmp/'; id #","account":"$(id)","root":"/tmp"})json",
+            { true, "https", "www.example.com" } });
+    EXPECT_EQ(administrator.runs,
+        (std::vector<FakeAdministrator::Run> {
+            { .script = installScript(paths), .prompt = std::string(installPrompt) } }));
+}
+
+TEST_F(AppDelegateTest, ThePagesInstallFailsWithAnAlertWithoutTheFilesOfTheBundle)
+{
+    launch();
+    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
+    webView.configuration->messageHandlers.at(0).handler.messageArrived(
+        { R"({"type":"setup_install_service"})", { true, "https", "www.example.com" } });
+    ASSERT_EQ(alerts.presented.size(), 1U);
+    EXPECT_EQ(alerts.presented[0].message, "Installation Failed");
+    EXPECT_TRUE(administrator.runs.empty());
+    EXPECT_EQ(statusItem.visibleTitle(200), "⚠ Install Blocking Service…");
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminationDecision::now);
 }
 
 TEST_F(AppDelegateTest, TheFirstLoadFollowsThePreparedWindowAndTheReleasedHold)

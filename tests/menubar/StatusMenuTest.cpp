@@ -124,6 +124,16 @@ TEST(StatusMenu, TaskAndReasonShowOnlyWhileTheyAreTrue)
     EXPECT_FALSE(itemOf(content, MenuCommand::showReason).visible);
 }
 
+TEST(StatusMenu, AHeldQuitIsTold)
+{
+    auto state = answering();
+    state.quit = QuitLine::held;
+    const auto content = statusItemContent(state);
+    const auto& item = itemOf(content, MenuCommand::quit);
+    EXPECT_EQ(item.title, "Quitting after the install finishes…");
+    EXPECT_EQ(item.tag, 400);
+}
+
 TEST(StatusMenu, ARestartIsOfferedOnlyAsTheRemedyAndALineWithAnActionCanBeChosen)
 {
     auto state = answering();

@@ -93,11 +93,11 @@ TEST_F(ComponentMonitorTest, TheSystemIsAskedAboutAServiceThatFailsButNotAtEvery
 TEST_F(ComponentMonitorTest, AnInstallIsNotTakenForASwitchingOff)
 {
     succeed();
-    monitor.setInstallInFlight(true);
+    monitor.installBegan();
     EXPECT_EQ(monitor.serviceLine().title, "Blocking Service: installing…");
     EXPECT_EQ(monitor.upgradeDecision(), std::nullopt);
     mainLoop.advance(1);
-    monitor.setInstallInFlight(false);
+    monitor.installEnded(InstallOutcome::installed);
     EXPECT_EQ(monitor.serviceLine().title, "Blocking Service: starting…");
     bench.services.observations.isHeld = false;
     bench.services.observations.result.backgroundItem = BackgroundItem::requiresApproval;
@@ -108,6 +108,46 @@ TEST_F(ComponentMonitorTest, AnInstallIsNotTakenForASwitchingOff)
     fail(nobodyListens);
     EXPECT_EQ(monitor.serviceLine().title, "⚠ Blocking Service Turned Off in System Settings…");
     EXPECT_EQ(bench.switchedOff, std::vector { ProtectiveComponent::blockingService });
+}
+
+TEST_F(ComponentMonitorTest, AnInstallThatDidNotHappenLeavesTheLineAsItWas)
+{
+    fail(nobodyListens);
+    for (const auto outcome : { InstallOutcome::cancelled, InstallOutcome::failed }) {
+        monitor.installBegan();
+        EXPECT_EQ(monitor.serviceLine().title, "Blocking Service: installing…");
+        monitor.installEnded(outcome);
+        EXPECT_EQ(monitor.serviceLine().title, "⚠ Install Blocking Service…");
+    }
+}
+
+TEST_F(ComponentMonitorTest, AnUpdateIsOurDoingUntilTheNewServiceAnswers)
+{
+    const auto turnOffAfterTheGrace = [this] {
+        mainLoop.advance(DaemonHealth::gracePeriod + ComponentMonitor::serviceCheckInterval);
+        fail(nobodyListens);
+        fail(nobodyListens);
+        EXPECT_EQ(monitor.serviceLine().action, ComponentAction::openLoginItemsSettings);
+    };
+    bench.services.observations.isHeld = false;
+    bench.services.observations.result.backgroundItem = BackgroundItem::requiresApproval;
+    bench.services.programIsInstalled = true;
+    succeed("1.0");
+    monitor.installBegan();
+    monitor.installEnded(InstallOutcome::installed);
+    turnOffAfterTheGrace();
+    EXPECT_TRUE(bench.switchedOff.empty());
+    mainLoop.advance(1);
+    succeed();
+    turnOffAfterTheGrace();
+    EXPECT_EQ(bench.switchedOff.size(), 1U) << "the update was over";
+
+    mainLoop.advance(1);
+    succeed("1.0");
+    monitor.installBegan();
+    monitor.installEnded(InstallOutcome::cancelled);
+    turnOffAfterTheGrace();
+    EXPECT_EQ(bench.switchedOff.size(), 2U) << "there was no update";
 }
 
 TEST_F(ComponentMonitorTest, TheFilterIsFollowedAndReported)

@@ -14,9 +14,10 @@ namespace brevanta {
 class FakeServiceInstaller final : public ServiceInstaller {
 public:
     void begin() override { ++begun; }
-    [[nodiscard]] bool isInFlight() const override { return false; }
+    [[nodiscard]] bool isInFlight() const override { return inFlight; }
 
     int begun { 0 };
+    bool inFlight { false };
 };
 
 // The two protective components with a system that does what the test says; it begins as one that answers nothing.
@@ -60,10 +61,17 @@ struct ComponentBench {
         .bundledServiceVersion = "1.2.3",
         .postSwitchedOff = [this](ProtectiveComponent component) { switchedOff.push_back(component); } } };
     std::vector<std::string> settingsOpened;
-    std::function<void()> endFilterActivation; // Set by the action that the page begins.
+    std::function<void()> endFilterActivation; // Set by the action that the page begins, as the next.
+    std::function<void()> endInstall;
     DeviceSetupActions deviceSetup { { .monitor = monitor,
         .services = services,
         .log = log,
+        .installService =
+            [this](std::function<void()> onEnd) {
+                installer.begin();
+                endInstall = std::move(onEnd);
+            },
+        .isInstalling = [this] { return installer.inFlight; },
         .activateFilter = [this](std::function<void()> onEnd) { endFilterActivation = std::move(onEnd); },
         .openFilterSettings = [this] { settingsOpened.emplace_back("filter"); },
         .openLoginItems = [this] { settingsOpened.emplace_back("login items"); } } };

@@ -7,6 +7,7 @@
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
 #include "install/RemovalShellController.h"
+#include "install/ServiceInstaller.h"
 #include "notify/HabitReminderPresenter.h"
 #include "notify/SystemNotificationCenterClient.h"
 #include "setup/DeviceSetup.h"
@@ -41,6 +42,14 @@ public:
     int pageChanges { 0 };
     bool removable { false };
     int removals { 0 };
+};
+
+class IdleOrBusyInstaller final : public ServiceInstaller {
+public:
+    void begin() override { inFlight = true; }
+    [[nodiscard]] bool isInFlight() const override { return inFlight; }
+
+    bool inFlight { false };
 };
 
 class FakeUpdater final : public UpdaterControl {
@@ -147,7 +156,8 @@ public:
                                }),
         queue, mainLoop };
     FakeDeviceSetup deviceSetup;
-    RemovalShellController removal { daemonClient, log };
+    IdleOrBusyInstaller installer;
+    RemovalShellController removal { daemonClient, installer, log };
     int activations { 0 };
     std::unique_ptr<WebViewWindow> window;
 };

@@ -264,6 +264,35 @@ TEST_F(WebViewBridgeTest, RemovalIsAskedForAndFollowed)
     EXPECT_EQ(eventCount("kestrelune_removal_state"), 1) << "the second reply brought nothing new";
 }
 
+TEST_F(WebViewBridgeTest, DuringAnInstallARemovalMayBeCancelledButNotAskedFor)
+{
+    openUsable();
+    installer.inFlight = true;
+    post({ { "type", "request_uninstall" }, { "account", "12" } });
+    EXPECT_EQ(log.lines.back(), "[Removal] request_uninstall refused: a blocking service install is in flight (#8008)");
+    EXPECT_TRUE(requests.empty());
+    post({ { "type", "cancel_uninstall" }, { "account", "12" }, { "actionId", 7.0 } });
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].at("action_id").dump(), "7");
+    installer.inFlight = false;
+    post({ { "type", "request_uninstall" }, { "account", "12" } });
+    EXPECT_EQ(requests.back().at("type"), "queue_removal");
+}
+
+TEST_F(WebViewBridgeTest, APageThatFollowsTheRemovalHearsWhenTheFilterMayBeRemoved)
+{
+    openUsable();
+    deviceSetup.removable = true;
+    deviceSetup.onChange();
+    EXPECT_EQ(eventCount("kestrelune_removal_state"), 0) << "it has not asked";
+    post({ { "type", "get_removal_state" } });
+    deviceSetup.removable = false;
+    deviceSetup.onChange();
+    deviceSetup.onChange();
+    EXPECT_EQ(eventCount("kestrelune_removal_state"), 2);
+    EXPECT_TRUE(webView.scripts.back().contains(R"("filterRemovable":false)"));
+}
+
 TEST_F(WebViewBridgeTest, AnotherDocumentIsToldStatesThatTheOneBeforeKnew)
 {
     openUsable();
