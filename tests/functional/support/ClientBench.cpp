@@ -1,5 +1,7 @@
 #include "support/ClientBench.h"
 
+#include "support/ControlChannel.h"
+
 namespace brevanta::functional {
 
 static constexpr Milliseconds startTime { 20000 };
@@ -35,7 +37,7 @@ std::expected<void, std::string> ClientBench::startSurroundings()
     }
     m_menu = std::make_unique<DbusMenu>(*m_bus, BrevantaClient::busName);
     m_statusItem = std::make_unique<StatusNotifier>(*m_bus, BrevantaClient::busName);
-    if (m_options.serviceAtStart == ServiceAtStart::absent)
+    if (m_options.serviceAtStart != ServiceAtStart::running)
         return {};
     if (auto started = m_service.start(); !started)
         return started;
@@ -52,7 +54,8 @@ std::expected<void, std::string> ClientBench::startClient()
         .executable = m_options.executable,
         .busAddress = m_bus->address(),
         .display = m_display->name(),
-        .socketPath = m_service.socketPath(),
+        // Empty: where an installed service listens.
+        .socketPath = m_options.serviceAtStart == ServiceAtStart::byInstall ? std::string() : m_service.socketPath(),
         .logPath = m_options.logPath,
         .arguments = m_options.arguments,
         .appUrl = m_web.url() + m_options.startPage,
@@ -63,6 +66,11 @@ std::expected<void, std::string> ClientBench::startClient()
     if (auto started = m_client->start(); !started)
         return started;
     return awaitMenu();
+}
+
+std::expected<std::string, std::string> ClientBench::commandInstalledService(const std::string& line) const
+{
+    return sendCommand((m_client->root() / "var/run/com.brevanta.daemon.control.sock").string(), line, startTime);
 }
 
 std::expected<void, std::string> ClientBench::restartClient()

@@ -8,7 +8,8 @@
 
 namespace brevanta::functional {
 
-enum class ServiceAtStart { running, absent };
+// By an install the service comes from the client's own bundle; until then there is none.
+enum class ServiceAtStart { running, absent, byInstall };
 enum class NotificationTaker { recorder, nobody };
 
 struct ClientBenchOptions {
@@ -43,6 +44,8 @@ public:
     [[nodiscard]] const PrivateBus& bus() const { return *m_bus; }
     [[nodiscard]] RecordingNotifications& notifications() { return *m_notifications; }
     [[nodiscard]] StandInService& service() { return m_service; }
+    // What the service answers that the client has installed.
+    [[nodiscard]] std::expected<std::string, std::string> commandInstalledService(const std::string& line) const;
     [[nodiscard]] StandInWeb& web() { return m_web; }
     [[nodiscard]] BrevantaClient& client() { return *m_client; }
     [[nodiscard]] bool hasClient() const { return m_client != nullptr; }

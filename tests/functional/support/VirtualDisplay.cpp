@@ -131,6 +131,22 @@ std::vector<std::uint8_t> VirtualDisplay::picture() const
     return { bytes, bytes + xcb_get_image_data_length(reply.get()) };
 }
 
+std::expected<void, std::string> VirtualDisplay::typeInto(const MappedWindow& window, const std::string& text) const
+{
+    constexpr Milliseconds patience { 10000 };
+    auto environment = neutralEnvironment();
+    environment.push_back("DISPLAY=" + m_name);
+    const auto typist
+        = ChildProcess::start({ .arguments = { "xdotool", "windowfocus", "--sync", std::to_string(window.id), "type",
+                                    "--args", "1", text, "key", "Return" },
+            .environment = std::move(environment) });
+    if (!typist)
+        return std::unexpected(typist.error());
+    if ((*typist)->awaitExit(patience) != 0)
+        return std::unexpected("nothing could be typed: " + (*typist)->errors().text());
+    return {};
+}
+
 bool VirtualDisplay::awaitStillness(Milliseconds within) const
 {
     static constexpr Milliseconds moment { 300 };

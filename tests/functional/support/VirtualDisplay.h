@@ -34,6 +34,9 @@ public:
     void pressCloseButton(const MappedWindow& window) const;
     void moveWindow(const MappedWindow& window, int x, int y) const;
 
+    // Gives the window the keyboard, types the text (letters and digits) and presses Return.
+    [[nodiscard]] std::expected<void, std::string> typeInto(const MappedWindow& window, const std::string& text) const;
+
     // Until the picture of the whole screen has not changed for a moment: nothing tells when programs have drawn.
     [[nodiscard]] bool awaitStillness(Milliseconds within) const;
 
