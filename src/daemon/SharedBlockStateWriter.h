@@ -34,7 +34,8 @@ public:
     void submit(std::shared_ptr<const BlockingStatus> status);
 
     void consume(const std::shared_ptr<const BlockingStatus>& status) override { submit(status); }
-    void serviceFailed() override { } // The last known state stays: the filter goes on by it until its lease ends.
+    void serviceFailed(const DaemonFailure&) override {
+    } // The last known state stays: the filter goes on by it until its lease ends.
 
 private:
     struct Slot;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "daemon/DaemonFailure.h"
+
 #include <memory>
 
 namespace brevanta {
@@ -18,7 +20,7 @@ public:
     virtual void consume(const std::shared_ptr<const BlockingStatus>& status) = 0;
 
     // A poll ended without a status. As `consume`.
-    virtual void serviceFailed() = 0;
+    virtual void serviceFailed(const DaemonFailure& failure) = 0;
 };
 
 }

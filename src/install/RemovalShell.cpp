@@ -37,11 +37,11 @@ RemovalShell::Change RemovalShell::statusArrived(const RemovalStatusField& remov
     return *this == before ? Change::none : Change::changed;
 }
 
-RemovalShell::Change RemovalShell::statusFailed()
+RemovalShell::Change RemovalShell::statusFailed(Listener listener)
 {
     const auto before = *this;
     m_statusAvailable = false;
-    if (m_sawCommit) {
+    if (m_sawCommit && listener == Listener::none) {
         m_daemonGone = true;
         m_daemonReplied = false;
     }

@@ -19,8 +19,11 @@ public:
     // The service answered a poll; with a record or, when it has none to give, without.
     [[nodiscard]] Change statusArrived(const RemovalStatusField& removal);
 
-    // The service did not answer. After a commit that is the end of the removal.
-    [[nodiscard]] Change statusFailed();
+    // Whether anybody takes connections where the service does.
+    enum class Listener { none, there };
+
+    // The service did not answer. After a commit it is the end of the removal that nobody listens any more.
+    [[nodiscard]] Change statusFailed(Listener listener);
 
     // The service was installed anew: it has not been removed, whatever came before.
     [[nodiscard]] Change serviceInstalled();

@@ -26,7 +26,13 @@ void RemovalShellController::consume(const std::shared_ptr<const BlockingStatus>
     changed(m_shell.statusArrived(status->removal));
 }
 
-void RemovalShellController::serviceFailed() { changed(m_shell.statusFailed()); }
+// A service that hangs, or talks nonsense, is still there.
+void RemovalShellController::serviceFailed(const DaemonFailure& failure)
+{
+    const auto* const error = std::get_if<DaemonError>(&failure);
+    const bool isListening = !error || error->kind != DaemonError::Kind::connectionFailed;
+    changed(m_shell.statusFailed(isListening ? RemovalShell::Listener::there : RemovalShell::Listener::none));
+}
 
 void RemovalShellController::requestRemoval(const std::string& account)
 {

@@ -20,7 +20,7 @@ public:
     RemovalShellController(DaemonClient& daemonClient, const ServiceInstaller& installer, SystemLog& log);
 
     void consume(const std::shared_ptr<const BlockingStatus>& status) override;
-    void serviceFailed() override;
+    void serviceFailed(const DaemonFailure& failure) override;
 
     // Both send one request; how it went shows in the state. `account` is 1 to 32 decimal digits, and the action is at
     // least 0 and below 2^53; anything else is logged and not sent. Nor is a removal asked for during an install.

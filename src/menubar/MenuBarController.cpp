@@ -99,7 +99,7 @@ void MenuBarController::statusFailed(const DaemonFailure& failure, double starte
     m_lastFailure = std::move(description);
 
     for (auto* consumer : m_dependencies.consumers)
-        consumer->serviceFailed();
+        consumer->serviceFailed(failure);
     m_dependencies.monitor.pollFailed(failure, startedAt);
     forgetDisplay();
     componentsChanged();

@@ -32,7 +32,7 @@ public:
 
     void pollBegan() override;
     void consume(const std::shared_ptr<const BlockingStatus>& status) override;
-    void serviceFailed() override { }
+    void serviceFailed(const DaemonFailure&) override { }
 
 private:
     [[nodiscard]] PostLimits whileCurrent(std::int64_t generation) const;

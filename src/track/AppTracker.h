@@ -53,7 +53,7 @@ public:
     // Of the first status that lists sessions nothing is told, since they may have been open for long; one that lists
     // none at all leaves open what was. The newest status's switches count; without them everything is told.
     void consume(const std::shared_ptr<const BlockingStatus>& status) override;
-    void serviceFailed() override { }
+    void serviceFailed(const DaemonFailure&) override { }
 
     // Of the newest status, also while the service fails.
     [[nodiscard]] AppLists lists() const;

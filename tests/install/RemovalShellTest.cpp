@@ -9,6 +9,7 @@ namespace {
 
 using State = RemovalSnapshot::State;
 using Change = RemovalShell::Change;
+using Listener = RemovalShell::Listener;
 
 RemovalStatusField record(State state, const char* launch, std::uint64_t order, std::uint64_t seq)
 {
@@ -56,20 +57,23 @@ TEST(RemovalShell, ThePageHearsWhatTheServiceSaysAndWhatItsSilenceMeans)
     EXPECT_EQ(state(), "unavailable") << "a service without a record";
     (void)shell.statusArrived(record(State::pending, "A", 1, 1));
     EXPECT_EQ(state(), "pending");
-    (void)shell.statusFailed();
+    (void)shell.statusFailed(Listener::none);
     EXPECT_EQ(state(), "unavailable") << "nothing was committed";
     (void)shell.statusArrived(record(State::pending, "A", 1, 1));
     EXPECT_EQ(state(), "pending");
     (void)shell.statusArrived(record(State::finishing, "A", 1, 2));
     EXPECT_TRUE(shell.isFinishing());
     EXPECT_EQ(state(), "finishing");
-    (void)shell.statusFailed();
+    (void)shell.statusFailed(Listener::there);
+    EXPECT_EQ(state(), "unavailable") << "it hangs, and is not gone";
+    EXPECT_TRUE(shell.isFinishing()) << "and still gets no token";
+    (void)shell.statusFailed(Listener::none);
     EXPECT_EQ(state(), "removed");
     EXPECT_FALSE(shell.isFinishing());
     (void)shell.statusArrived(record(State::none, "B", 2, 1));
     EXPECT_EQ(state(), "none") << "it was installed anew";
-    EXPECT_EQ(shell.statusFailed(), Change::changed);
-    EXPECT_EQ(shell.statusFailed(), Change::none);
+    EXPECT_EQ(shell.statusFailed(Listener::none), Change::changed);
+    EXPECT_EQ(shell.statusFailed(Listener::none), Change::none);
 }
 
 TEST(RemovalShell, AServiceThatAnswersAgainOrIsInstalledAnewHasNotBeenRemoved)
@@ -77,19 +81,19 @@ TEST(RemovalShell, AServiceThatAnswersAgainOrIsInstalledAnewHasNotBeenRemoved)
     RemovalShell shell;
     const auto state = [&] { return shell.state(false).at("state").get<std::string>(); };
     (void)shell.statusArrived(record(State::committed, "A", 1, 2));
-    (void)shell.statusFailed();
+    (void)shell.statusFailed(Listener::none);
     EXPECT_EQ(state(), "removed");
     EXPECT_EQ(shell.statusArrived(record(State::committed, "A", 1, 2)), Change::changed);
     EXPECT_EQ(state(), "committed") << "one poll had failed";
-    (void)shell.statusFailed();
+    (void)shell.statusFailed(Listener::none);
     (void)shell.statusArrived(record(State::pending, "A", 1, 1));
     EXPECT_EQ(state(), "unavailable") << "it is there, but what it says is stale";
-    (void)shell.statusFailed();
+    (void)shell.statusFailed(Listener::none);
     EXPECT_EQ(state(), "removed");
     EXPECT_EQ(shell.serviceInstalled(), Change::changed);
     EXPECT_EQ(state(), "unavailable");
     (void)shell.statusArrived(record(State::none, "B", 2, 1));
-    (void)shell.statusFailed();
+    (void)shell.statusFailed(Listener::none);
     EXPECT_EQ(state(), "unavailable") << "the new one has merely stopped";
 }
 

@@ -24,7 +24,7 @@ class RecordingConsumer final : public StatusConsumer {
 public:
     void pollBegan() override { ++begun; }
     void consume(const std::shared_ptr<const BlockingStatus>& status) override { seen.push_back(status); }
-    void serviceFailed() override { ++failures; }
+    void serviceFailed(const DaemonFailure&) override { ++failures; }
 
     std::vector<std::shared_ptr<const BlockingStatus>> seen;
     int failures { 0 };

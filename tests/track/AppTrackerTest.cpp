@@ -130,7 +130,7 @@ TEST_F(AppTrackerTest, WhatIsToldFollowsFromStatusAfterStatus)
         for (const auto& status : statuses) {
             tracker.consume(statusWith(status));
             m_loop.advance(2);
-            tracker.serviceFailed();
+            tracker.serviceFailed(DaemonError {});
         }
         EXPECT_EQ(posted(), atOnce) << what;
         m_loop.advance(60);
@@ -154,7 +154,7 @@ TEST_F(AppTrackerTest, TheNewestListsAreKeptWhileTheServiceFails)
     consume({ { "blocked_apps", { "com.example.Old" } } });
     consume({ { "blocked_apps", { "com.example.Game" } }, { "metered_domains", { "video.example" } },
         { "auto_track_apps", { "com.example.Editor" } } });
-    m_tracker->serviceFailed();
+    m_tracker->serviceFailed(DaemonError {});
     const auto lists = m_tracker->lists();
     consume(Json::object());
     EXPECT_TRUE(m_tracker->lists().blockedApps.empty());

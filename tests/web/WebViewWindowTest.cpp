@@ -62,7 +62,7 @@ TEST_F(WebViewWindowTest, AWindowThatIsGoneLeavesNothingBehindInTheEngine)
     openUsable();
     window.reset();
     EXPECT_TRUE(webView.isDetached);
-    removal.serviceFailed();
+    removal.serviceFailed(DaemonError {});
     placeholder.pressButton();
     mainLoop.advance(100);
     EXPECT_TRUE(webView.scripts.empty());
