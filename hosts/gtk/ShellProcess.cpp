@@ -67,7 +67,7 @@ std::expected<std::unique_ptr<ShellProcess>, std::string> ShellProcess::start(
         static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE)));
     g_subprocess_launcher_set_cwd(launcher.get(), surroundings.folder.c_str());
     g_subprocess_launcher_setenv(launcher.get(), "PATH", surroundings.searchPath.c_str(), TRUE);
-    g_subprocess_launcher_setenv(launcher.get(), "BREVANTA_ROOT", surroundings.root.c_str(), TRUE);
+    g_subprocess_launcher_setenv(launcher.get(), "STANDIN_ROOT", surroundings.root.c_str(), TRUE);
     const auto text = beforeTheText + script;
     const char* const arguments[] = { "/bin/sh", "-c", text.c_str(), nullptr };
     GError* error = nullptr;

@@ -14,7 +14,7 @@ namespace brevanta {
 struct ShellSurroundings {
     std::filesystem::path folder; // That the shell begins in.
     std::string searchPath; // Its PATH.
-    std::filesystem::path root; // Its BREVANTA_ROOT. Everything else is as in this process.
+    std::filesystem::path root; // Its STANDIN_ROOT. Everything else is as in this process.
 };
 
 struct ShellEnd {

@@ -150,7 +150,7 @@ TEST_F(AdministratorGtkTest, TheEndOfTheScriptIsToldAsItWas)
     };
     for (const auto& [script, expected] : cases)
         EXPECT_EQ(resultOf(script), expected) << script;
-    EXPECT_EQ(resultOf("pwd; echo $BREVANTA_ROOT; for name in launchctl lockf xattr chown; do command -v $name; done"),
+    EXPECT_EQ(resultOf("pwd; echo $STANDIN_ROOT; for name in launchctl lockf xattr chown; do command -v $name; done"),
         root.string() + '\n' + root.string() + '\n' + root.string() + "/bin/launchctl\n" + root.string()
             + "/usr/bin/lockf\n" + root.string() + "/usr/bin/xattr\n" + root.string() + "/usr/sbin/chown");
 }
@@ -161,7 +161,7 @@ TEST_F(AdministratorGtkTest, WhoWritesMoreThanAnybodyReadsIsCutShort)
     ASSERT_TRUE(output);
     EXPECT_EQ(output->size(), 65536U);
     // A process that is left behind and goes on writing.
-    EXPECT_TRUE(resultOf("(while [ -d \"$BREVANTA_ROOT\" ]; do echo more; done) & echo begun").has_value());
+    EXPECT_TRUE(resultOf("(while [ -d \"$STANDIN_ROOT\" ]; do echo more; done) & echo begun").has_value());
 }
 
 TEST_F(AdministratorGtkTest, AScriptThatHasBegunRunsOnWithoutTheAdministrator)

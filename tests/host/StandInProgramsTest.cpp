@@ -69,7 +69,7 @@ protected:
     {
         const auto path = standInSearchPath(root);
         gchar** environment = g_environ_setenv(g_get_environ(), "PATH", path.c_str(), TRUE);
-        environment = g_environ_setenv(environment, "BREVANTA_ROOT", root.c_str(), TRUE);
+        environment = g_environ_setenv(environment, "STANDIN_ROOT", root.c_str(), TRUE);
         std::string text = "cd '" + root.string() + "'; " + script;
         char shell[] = "/bin/sh";
         char option[] = "-c";

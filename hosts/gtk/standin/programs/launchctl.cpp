@@ -43,7 +43,7 @@ int complain(const StandInError& error) { return complain("launchctl: " + error.
 // <root>/Applications/Brevanta.app/Contents/StandIns/launchctl: proc(5).
 std::filesystem::path developmentRoot()
 {
-    if (const char* const root = std::getenv("BREVANTA_ROOT"); root && *root)
+    if (const char* const root = std::getenv("STANDIN_ROOT"); root && *root)
         return root;
     std::error_code error;
     auto path = std::filesystem::read_symlink("/proc/self/exe", error);
