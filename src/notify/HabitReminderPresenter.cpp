@@ -19,16 +19,7 @@ HabitReminderPresenter::HabitReminderPresenter(UserDefaults& defaults)
 std::vector<HabitReminderPresenter::Notification> HabitReminderPresenter::deliver(
     const std::vector<PendingReminder>& reminders, std::int64_t generation)
 {
-    if (reminders.empty())
-        return {};
-    SeenIdentifiers seen(m_defaults.get(seenKey));
-    const auto fresh = seen.takeFresh(reminders, &PendingReminder::eventId);
-    if (fresh.empty())
-        return {};
-    m_defaults.set(seenKey, seen.newest());
-    if (!m_generation.allows(generation))
-        return {};
-
+    const auto fresh = takeDeliverable(m_defaults, seenKey, reminders, &PendingReminder::eventId, generation);
     std::vector<Notification> notifications;
     notifications.reserve(fresh.size());
     for (const auto* const reminder : fresh)

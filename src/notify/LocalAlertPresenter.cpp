@@ -28,23 +28,13 @@ LocalAlertPresenter::Notification notificationOf(const PendingLocalAlert& alert,
 
 LocalAlertPresenter::LocalAlertPresenter(UserDefaults& defaults)
     : m_defaults(defaults)
-    , m_generation(defaults)
 {
 }
 
 std::vector<LocalAlertPresenter::Notification> LocalAlertPresenter::deliver(
     const std::vector<PendingLocalAlert>& alerts, std::int64_t generation, double now)
 {
-    if (alerts.empty())
-        return {};
-    SeenIdentifiers seen(m_defaults.get(seenKey));
-    const auto fresh = seen.takeFresh(alerts, &PendingLocalAlert::alertId);
-    if (fresh.empty())
-        return {};
-    m_defaults.set(seenKey, seen.newest());
-    if (!m_generation.allows(generation))
-        return {};
-
+    const auto fresh = takeDeliverable(m_defaults, seenKey, alerts, &PendingLocalAlert::alertId, generation);
     std::vector<Notification> notifications;
     notifications.reserve(fresh.size());
     for (const auto* const alert : fresh)

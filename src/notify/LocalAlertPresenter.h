@@ -1,6 +1,5 @@
 #pragma once
 
-#include "notify/DeliveryGeneration.h"
 #include "notify/NoticeRecords.h"
 #include "platform/NotificationCenter.h"
 
@@ -36,7 +35,6 @@ public:
 
 private:
     UserDefaults& m_defaults;
-    DeliveryGeneration m_generation;
 };
 
 }

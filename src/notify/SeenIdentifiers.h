@@ -1,5 +1,6 @@
 #pragma once
 
+#include "notify/DeliveryGeneration.h"
 #include "platform/UserDefaults.h"
 
 #include <cstdint>
@@ -41,5 +42,24 @@ private:
     std::vector<std::int64_t> m_inOrder;
     std::unordered_set<std::int64_t> m_known; // The same, to be found quickly.
 };
+
+// The records that may be shown, in their order: none that is in the list under `seenKey`, which then holds them too.
+// When the delivery generation does not allow `generation` there are none, and they count as seen all the same. Main
+// thread only.
+template <typename Record>
+[[nodiscard]] std::vector<const Record*> takeDeliverable(UserDefaults& defaults, const char* seenKey,
+    const std::vector<Record>& records, std::int64_t Record::* identifier, std::int64_t generation)
+{
+    if (records.empty())
+        return {};
+    SeenIdentifiers seen(defaults.get(seenKey));
+    auto fresh = seen.takeFresh(records, identifier);
+    if (fresh.empty())
+        return {};
+    defaults.set(seenKey, seen.newest());
+    if (!DeliveryGeneration(defaults).allows(generation))
+        fresh.clear();
+    return fresh;
+}
 
 }
