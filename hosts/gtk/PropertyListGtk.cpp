@@ -1,20 +1,16 @@
 #include "gtk/PropertyListGtk.h"
 
-#include "posix/FileDescriptor.h"
+#include "posix/FileStorePosix.h"
 
-#include <array>
-#include <cerrno>
-#include <fcntl.h>
 #include <glib.h>
 #include <memory>
-#include <sys/stat.h>
 #include <utility>
 
 namespace brevanta {
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t { 1 } << 20;
+constexpr auto mostBytes = FileStore::largestRead;
 
 // What the parser has seen. Elements are counted by their depth: plist, its dict, and the keys and values in that.
 class Reader {
@@ -94,29 +90,6 @@ struct ContextDeleter {
     void operator()(GMarkupParseContext* context) const { g_markup_parse_context_free(context); }
 };
 
-// Up to one byte more than a property list may have.
-std::optional<std::string> readRegularFile(const std::filesystem::path& file)
-{
-    // Opening a named pipe would wait for its other end.
-    const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (!descriptor || ::fstat(descriptor.get(), &status) || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    std::string contents;
-    std::array<char, 16384> piece {};
-    while (contents.size() <= mostBytes) {
-        const auto count = ::read(descriptor.get(), piece.data(), piece.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return std::nullopt;
-        if (count == 0)
-            return contents;
-        contents.append(piece.data(), static_cast<std::size_t>(count));
-    }
-    return std::nullopt;
-}
-
 }
 
 std::optional<PropertyListTexts> parsePropertyList(std::string_view xml)
@@ -134,7 +107,7 @@ std::optional<PropertyListTexts> parsePropertyList(std::string_view xml)
 
 std::optional<PropertyListTexts> readPropertyList(const std::filesystem::path& file)
 {
-    const auto contents = readRegularFile(file);
+    const auto contents = FileStorePosix().read(file);
     return contents ? parsePropertyList(*contents) : std::nullopt;
 }
 
