@@ -7,6 +7,7 @@
 #include "gtk/ClockGtk.h"
 #include "gtk/DesktopSession.h"
 #include "gtk/FilterSystemGtk.h"
+#include "gtk/LoginItemGtk.h"
 #include "gtk/MainLoopGtk.h"
 #include "gtk/MainWindowGtk.h"
 #include "gtk/NotificationCenterGtk.h"
@@ -20,10 +21,12 @@
 #include "gtk/UserDefaultsGtk.h"
 #include "gtk/WebViewGtk.h"
 #include "gtk/WorkspaceGtk.h"
+#include "posix/AppLocation.h"
 #include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
 #include "posix/ProgramArguments.h"
+#include "posix/ProgramRunnerPosix.h"
 #include "posix/StandardErrorLog.h"
 #include "posix/SyslogLog.h"
 #include "posix/ThreadSignals.h"
@@ -161,6 +164,14 @@ int runApplication(
     FilterSystemGtk filterSystem(mainLoop, configuration.root, contents);
     AdministratorGtk administrator(mainWindow.window(), mainLoop, configuration.root, contents / "StandIns");
     FileStorePosix files;
+    const auto home = homeFolder(configuration);
+    LoginItemGtk loginItem(mainLoop, home / ".config/autostart",
+        { .name = identity.name, .identifier = configuration.bundleIdentifier, .executable = executablePath() });
+    const auto location = [bundle = contents.parent_path(), root = configuration.root, home] {
+        return appLocation(bundle, root / "Applications", home / "Applications");
+    };
+    SerialQueue programQueue(queueThread("com.brevanta.programs"));
+    ProgramRunnerPosix programs(mainLoop, programQueue);
     SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
     SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
     SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
@@ -185,16 +196,19 @@ int runApplication(
                              .services = services,
                              .filterSystem = filterSystem,
                              .files = files,
-                             .sharedContainer = [home = homeFolder(configuration)] { return sharedContainer(home); },
+                             .sharedContainer = [home] { return sharedContainer(home); },
                              .systemVersion = systemVersion(configuration),
                              .newUuid = newUuid,
                              .deviceName = g_get_host_name(),
                              .parseUrl = parseUrl,
                              .resources = resources,
-                             .home = homeFolder(configuration),
+                             .home = home,
                              .systemLanguages = systemLanguages(),
                              .bundle = contents.parent_path(),
-                             .administrator = administrator },
+                             .administrator = administrator,
+                             .loginItem = loginItem,
+                             .programs = programs,
+                             .location = location },
         configuration);
     return lifecycle.run(delegate, links);
 }

@@ -7,6 +7,7 @@
 #include "mac/BundleFactsMac.h"
 #include "mac/ClockMac.h"
 #include "mac/FilterSystemMac.h"
+#include "mac/LoginItemMac.h"
 #include "mac/MainLoopMac.h"
 #include "mac/MainMenuMac.h"
 #include "mac/MainWindowMac.h"
@@ -21,10 +22,12 @@
 #include "mac/UserDefaultsMac.h"
 #include "mac/WebViewMac.h"
 #include "mac/WorkspaceMac.h"
+#include "posix/AppLocation.h"
 #include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
 #include "posix/ProgramArguments.h"
+#include "posix/ProgramRunnerPosix.h"
 #include "posix/ThreadSignals.h"
 
 #include <cstdlib>
@@ -83,6 +86,12 @@ std::optional<std::filesystem::path> sharedContainer()
     }
 }
 
+AppLocationPolicy::Context location()
+{
+    return appLocation(utf8FromString(NSBundle.mainBundle.bundlePath), "/Applications",
+        utf8FromString(NSHomeDirectory()) + "/Applications");
+}
+
 // In the order of the system's settings.
 std::vector<std::string> systemLanguages()
 {
@@ -105,6 +114,7 @@ void runApplication(const BuildConfiguration& configuration)
     SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
     SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
     SerialQueue installerQueue(queueThread("com.brevanta.daemon-installer"));
+    SerialQueue programQueue(queueThread("com.brevanta.programs"));
     ApplicationLifecycleMac lifecycle(mainLoop);
     installMainMenu(NSApplication.sharedApplication);
     WebViewMac webView(mainLoop);
@@ -119,6 +129,8 @@ void runApplication(const BuildConfiguration& configuration)
     FilterSystemMac filterSystem(mainLoop);
     AdministratorMac administrator(mainLoop, installerQueue);
     FileStorePosix files;
+    LoginItemMac loginItem(mainLoop);
+    ProgramRunnerPosix programs(mainLoop, programQueue);
     AppDelegate delegate(
         {
             .mainLoop = mainLoop,
@@ -152,6 +164,9 @@ void runApplication(const BuildConfiguration& configuration)
             .systemLanguages = systemLanguages(),
             .bundle = utf8FromString(NSBundle.mainBundle.bundlePath),
             .administrator = administrator,
+            .loginItem = loginItem,
+            .programs = programs,
+            .location = location,
         },
         configuration);
     lifecycle.run(delegate);

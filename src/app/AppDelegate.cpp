@@ -1,6 +1,8 @@
 #include "app/AppDelegate.h"
 
+#include "app/AppLocationGate.h"
 #include "app/FirstLoadHold.h"
+#include "app/LaunchRegistrations.h"
 #include "app/Notices.h"
 #include "app/ServiceInstallation.h"
 #include "app/WindowAtLaunch.h"
@@ -41,6 +43,13 @@ void AppDelegate::applicationWillFinishLaunching() { assert(m_ports.mainLoop.isM
 void AppDelegate::applicationDidFinishLaunching()
 {
     assert(m_ports.mainLoop.isMainThread());
+    m_locationGate = std::make_unique<AppLocationGate>(AppLocationGate::Dependencies { .mainLoop = m_ports.mainLoop,
+        .log = m_ports.log,
+        .lifecycle = m_ports.lifecycle,
+        .alerts = m_ports.alerts,
+        .workspace = m_ports.workspace });
+    if (m_locationGate->check(m_ports.location()) == LaunchPermission::refused)
+        return;
     m_ports.lifecycle.setActivationPolicy(ActivationPolicy::regular);
     createDaemonClient();
     installNotificationSounds(m_ports.files, m_ports.log, m_ports.resources, m_ports.home);
@@ -62,6 +71,8 @@ void AppDelegate::applicationDidFinishLaunching()
     createMenuBarController();
     decideWindowAtLaunch();
     m_webViewWindow->loadCoordinator().prepare();
+    m_registrations = std::make_unique<LaunchRegistrations>(m_ports, m_configuration);
+    m_registrations->begin();
     m_deviceSetup->launched(m_ports.services.isProgramInstalled() ? ServiceProgram::present : ServiceProgram::absent);
     m_notices->awaitClicks(
         [this](const std::string& url) { return isTrusted(url); }, [this] { m_webViewWindow->open(); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/AppLocationPolicy.h"
 #include "app/BuildConfiguration.h"
 #include "app/InstallHold.h"
 #include "filter/SystemSettings.h"
@@ -19,6 +20,7 @@ namespace brevanta {
 class Administrator;
 class AlertPanel;
 class AppAlertPresenter;
+class AppLocationGate;
 class Clock;
 class ComponentMonitor;
 class DaemonClient;
@@ -27,7 +29,9 @@ class Executor;
 class FileStore;
 class FilterSystem;
 class FirstLoadHold;
+class LaunchRegistrations;
 class LocalSocketConnector;
+class LoginItem;
 class LoginRecords;
 class MainLoop;
 class MainWindow;
@@ -36,6 +40,7 @@ class NotificationCenter;
 class Notices;
 class OpenPanel;
 class Placeholder;
+class ProgramRunner;
 class RemovalShellController;
 class ServiceInstallation;
 class ServiceManager;
@@ -85,6 +90,9 @@ struct AppPorts {
     std::vector<std::string> systemLanguages; // Those that the user prefers, as in `chooseNoticeLanguage`.
     std::filesystem::path bundle; // The application's bundle; empty when it cannot be located.
     Administrator& administrator;
+    LoginItem& loginItem;
+    ProgramRunner& programs;
+    std::function<AppLocationPolicy::Context()> location; // Where the application runs from.
 };
 
 // Builds every long-lived object of the client at launch, in a fixed order, and answers the application object.
@@ -122,6 +130,7 @@ private:
 
     AppPorts m_ports;
     BuildConfiguration m_configuration;
+    std::unique_ptr<AppLocationGate> m_locationGate;
     std::unique_ptr<DaemonClient> m_daemonClient;
     std::unique_ptr<SharedBlockStateWriter> m_sharedStateWriter;
     std::unique_ptr<AppAlertPresenter> m_alerts;
@@ -133,6 +142,7 @@ private:
     std::unique_ptr<WebViewWindow> m_webViewWindow;
     std::unique_ptr<FirstLoadHold> m_firstLoadHold;
     std::unique_ptr<MenuBarController> m_menuBarController;
+    std::unique_ptr<LaunchRegistrations> m_registrations;
     DeviceSetupNavigation::Throttle m_linkThrottle;
     bool m_launchLinkPending { false }; // A setup link came before there was a window.
 };

@@ -4,8 +4,10 @@
 #include "fakes/FakeFileStore.h"
 #include "fakes/FakeFilterSystem.h"
 #include "fakes/FakeLocalSockets.h"
+#include "fakes/FakeLoginItem.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
+#include "fakes/FakeProgramRunner.h"
 #include "fakes/FakeServiceManager.h"
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
@@ -66,13 +68,20 @@ protected:
     FakeFilterSystem filterSystem { mainLoop };
     FakeFileStore files;
     FakeAdministrator administrator { mainLoop };
+    FakeLoginItem loginItem { mainLoop };
+    FakeProgramRunner programs { mainLoop };
+    AppLocationPolicy::Context location { .resolvedBundleURL = "/Applications/Brevanta.app",
+        .resolvedSystemApplicationsURL = "/Applications",
+        .volumeIsReadOnly = {},
+        .resolvedUserApplicationsURL = {} };
     AppDelegate delegate {
         AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, sockets, clock, log, defaults, lifecycle, window,
             statusItem, alerts, workspace, notifications, loginRecords, webView, placeholder, openPanel, services,
             filterSystem, files, [] { return std::filesystem::path("/shared"); }, SystemVersion {},
             [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
             [this](const std::string& text) { return parseUrl(text); }, "/Applications/Brevanta.app/Contents/Resources",
-            "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator },
+            "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator, loginItem, programs,
+            [this] { return location; } },
         BuildConfiguration { .version = "0.121.0",
             .bundleIdentifier = {},
             .root = "/",
@@ -295,6 +304,39 @@ TEST_F(AppDelegateTest, LaunchInstallsTheSoundsAndFindsTheNoticesWords)
     EXPECT_EQ(files.contents("/Users/ada/Library/Sounds/brevanta-gain.aiff"), "FORM");
     EXPECT_TRUE(hasLine("[NotificationSounds] bundled sound missing: brevanta-loss.aiff"));
     EXPECT_TRUE(hasLine("[NotificationHelper] cannot use notices.zh-Hans.json: no such file"));
+}
+
+TEST_F(AppDelegateTest, InTheWrongPlaceNothingIsBuiltAndEveryEventIsSurvived)
+{
+    location.resolvedBundleURL = "/Applications/Tools/Brevanta.app";
+    launch();
+    delegate.applicationDidOpenUrl(
+        { .text = "brevanta://open/device-setup", .scheme = "brevanta", .host = "open", .path = "/device-setup" });
+    delegate.applicationDidBecomeActive();
+    delegate.systemDidWake();
+    delegate.applicationShouldReopen();
+    EXPECT_EQ(delegate.updaterShouldRelaunch([] { }), RelaunchDecision::now);
+    mainLoop.advance(100);
+    EXPECT_TRUE(sockets.paths.empty() && files.writes().empty() && programs.runs.empty());
+    EXPECT_EQ(loginItem.statuses.asked, 0);
+    EXPECT_EQ(statusItem.changes, 0U);
+    EXPECT_FALSE(window.built || window.isVisible() || webView.configuration);
+    ASSERT_EQ(alerts.presented.size(), 1U);
+    EXPECT_EQ(delegate.applicationShouldTerminate(), TerminationDecision::now);
+    alerts.answer({ AlertEnd::button, 1 });
+    mainLoop.runPosted();
+    EXPECT_EQ(lifecycle.terminations, 1);
+    delegate.applicationWillTerminate();
+}
+
+TEST_F(AppDelegateTest, LaunchTellsTheSystemOfTheApplication)
+{
+    programs.ends.result = "/Applications/Brevanta.app\n/Old/Brevanta.app\n";
+    launch();
+    EXPECT_TRUE(hasLine("[LoginItem] registered after the 1st attempt"));
+    ASSERT_EQ(programs.runs.size(), 2U);
+    EXPECT_EQ(programs.runs[0].program, "/usr/bin/mdfind");
+    EXPECT_EQ(programs.runs[1].arguments, (std::vector<std::string> { "-u", "/Old/Brevanta.app" }));
 }
 
 TEST_F(AppDelegateTest, EventsBeforeThereIsAWindowAreSurvived)

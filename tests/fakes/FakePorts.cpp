@@ -135,7 +135,8 @@ void FakeWorkspace::openUrl(const std::string& url, std::function<void(OpenOutco
 void FakeWorkspace::openFolder(const std::string& path, std::function<void(OpenOutcome)> onEnd)
 {
     opened.push_back(path);
-    m_mainLoop.post([onEnd = std::move(onEnd), result = outcome] { onEnd(result); });
+    if (!folderNeverOpens)
+        m_mainLoop.post([onEnd = std::move(onEnd), result = outcome] { onEnd(result); });
 }
 
 void FakeNotificationCenter::add(

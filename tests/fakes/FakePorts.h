@@ -161,6 +161,7 @@ public:
 
     std::vector<std::string> opened;
     OpenOutcome outcome { OpenOutcome::opened };
+    bool folderNeverOpens { false }; // Whether nothing is told of the end of `openFolder`.
     std::map<std::string, ApplicationFacts> applications; // By path.
     std::vector<std::uint8_t> icon;
     mutable std::vector<int> iconSizes; // What icons were asked for.

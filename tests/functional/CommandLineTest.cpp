@@ -92,26 +92,6 @@ TEST(CommandLineTest, anUnknownArgumentIsRefusedInOneLine)
     expectOneLineAbout("--no-such-thing", client->log());
 }
 
-class ProductionTest : public ClientTest {
-protected:
-    ProductionTest()
-        : ClientTest({ .executable = prodClientExecutable(), .preparations = { "energy 42" } })
-    {
-    }
-};
-
-TEST_F(ProductionTest, aProductionBuildIsDeafToTheDevelopmentOverrides)
-{
-    // The first poll has failed, since no service is installed on this machine.
-    ASSERT_TRUE(showsLine("Blocking service starting"));
-    EXPECT_TRUE(showsDescription(statusUnknown));
-    EXPECT_EQ(service().requestCount("get_status"), 0u);
-    // The log belongs to the system's log; only what the desktop's own libraries say may be here.
-    EXPECT_EQ(bench().client().log().find("[Launch]"), std::string::npos) << bench().client().log();
-    click("Quit");
-    expectCleanExit(patience);
-}
-
 TEST(ProductionBinaryTest, aProductionBuildDoesNotEvenNameTheDevelopmentOverrides)
 {
     const auto contentsOf = [](const std::string& path) {

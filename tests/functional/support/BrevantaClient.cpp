@@ -39,7 +39,8 @@ std::expected<std::string, std::string> BrevantaClient::installBundle()
     namespace fs = std::filesystem;
     std::error_code error;
     const auto root = m_directory.path() / "root";
-    for (const auto& path : { root / "Applications", m_directory.path() / "home", m_directory.path() / "run" })
+    for (const auto& path : { root / "Applications", root / m_options.bundleFolder, m_directory.path() / "home",
+             m_directory.path() / "run" })
         fs::create_directories(path, error);
     fs::permissions(m_directory.path() / "run", fs::perms::owner_all, error);
     const fs::path executable = fs::absolute(m_options.executable, error);
@@ -49,14 +50,14 @@ std::expected<std::string, std::string> BrevantaClient::installBundle()
     if (contents.filename() != "Contents")
         return executable.string();
     const auto bundle = contents.parent_path();
-    const auto installed = root / "Applications" / bundle.filename();
+    const auto installed = root / m_options.bundleFolder / bundle.filename();
     fs::copy(bundle, installed, fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
     if (error)
         return std::unexpected("the bundle cannot be copied: " + error.message());
     return (installed / "Contents" / "MacOS" / executable.filename()).string();
 }
 
-// What opens web pages for this home's user: keeps their URLs in a file.
+// What opens web pages and folders for this home's user: keeps their URLs in a file.
 std::expected<void, std::string> BrevantaClient::installBrowser() const
 {
     namespace fs = std::filesystem;
@@ -70,11 +71,12 @@ std::expected<void, std::string> BrevantaClient::installBrowser() const
     std::ofstream(applications / "browser.desktop")
         << "[Desktop Entry]\nType=Application\nName=Browser\nExec=" << program.string()
         << " %u\nMimeType=x-scheme-handler/https;x-scheme-handler/http;"
-           "x-scheme-handler/x-apple.systempreferences;\n";
+           "x-scheme-handler/x-apple.systempreferences;inode/directory;\n";
     std::ofstream defaults(applications / "mimeapps.list");
     defaults << "[Default Applications]\nx-scheme-handler/https=browser.desktop\n"
                 "x-scheme-handler/http=browser.desktop\n"
                 "x-scheme-handler/x-apple.systempreferences=browser.desktop\n"
+                "inode/directory=browser.desktop\n"
              << "x-scheme-handler/brevanta=" << desktopEntryName << '\n';
     return defaults ? std::expected<void, std::string>() : std::unexpected("no browser could be installed");
 }

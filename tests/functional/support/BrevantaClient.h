@@ -17,6 +17,7 @@ struct BrevantaClientOptions {
     std::string certificatePath {}; // Of its server.
     std::string trustedHosts { "localhost" };
     std::string signInHosts {};
+    std::filesystem::path bundleFolder { "Applications" }; // Below the development root: where the copy goes.
 };
 
 // The client as a process, with a home, a runtime directory and a development root of its own.

@@ -15,6 +15,9 @@ typedef NS_ENUM(NSInteger, SMAppServiceStatus) {
 
 // Documentation: SMAppService; macOS 13.0.
 @interface SMAppService : NSObject
+@property (class, readonly) SMAppService* mainAppService;
+@property (readonly) SMAppServiceStatus status;
+- (BOOL)registerAndReturnError:(NSError* _Nullable __autoreleasing* _Nullable)error;
 + (SMAppServiceStatus)statusForLegacyURL:(NSURL*)url;
 @end
 
