@@ -5,6 +5,7 @@
 #include "gtk/AlertPanelGtk.h"
 #include "gtk/ApplicationLifecycleGtk.h"
 #include "gtk/ClockGtk.h"
+#include "gtk/ConfinedBrowsers.h"
 #include "gtk/DesktopSession.h"
 #include "gtk/FilterSystemGtk.h"
 #include "gtk/LoginItemGtk.h"
@@ -117,6 +118,14 @@ std::optional<std::filesystem::path> sharedContainer(const std::filesystem::path
     return error ? std::nullopt : std::optional(std::move(container));
 }
 
+// On a Mac it is always there. Without it nobody could tell whether the service's property list is.
+void makeLaunchDaemonsFolder(const BuildConfiguration& configuration)
+{
+    std::error_code ignored;
+    if (configuration.root != "/")
+        std::filesystem::create_directories(configuration.root / "Library/LaunchDaemons", ignored);
+}
+
 std::string newUuid()
 {
     const GLibPtr<char> uuid(g_uuid_string_random());
@@ -140,6 +149,7 @@ int runApplication(
     const auto contents = executablePath().parent_path().parent_path();
     const auto resources = contents / "Resources";
     const auto log = newLog(configuration.flavour);
+    makeLaunchDaemonsFolder(configuration);
     ClockGtk clock;
     MainLoopGtk mainLoop;
     ApplicationLifecycleGtk lifecycle(session.application);
@@ -208,7 +218,8 @@ int runApplication(
                              .administrator = administrator,
                              .loginItem = loginItem,
                              .programs = programs,
-                             .location = location },
+                             .location = location,
+                             .confinedBrowsers = [] { return confinedBrowsers(g_get_home_dir()); } },
         configuration);
     return lifecycle.run(delegate, links);
 }

@@ -123,4 +123,23 @@ std::expected<void, FileStoreError> FileStorePosix::createFolder(const std::file
     return {};
 }
 
+bool FileStorePosix::isFolder(const std::filesystem::path& path) const
+{
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
+}
+
+std::optional<FilePermissions> FileStorePosix::permissions(const std::filesystem::path& path) const
+{
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    for (const auto permissions :
+        { FilePermissions::ownerOnly, FilePermissions::readableByAll, FilePermissions::executableByAll }) {
+        if ((status.st_mode & mode_t { 07777 }) == modeOf(permissions))
+            return permissions;
+    }
+    return std::nullopt;
+}
+
 }

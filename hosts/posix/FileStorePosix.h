@@ -16,6 +16,10 @@ public:
     [[nodiscard]] std::expected<std::string, FileStoreError> read(const std::filesystem::path& path) const override;
 
     [[nodiscard]] std::expected<void, FileStoreError> createFolder(const std::filesystem::path& path) override;
+
+    [[nodiscard]] bool isFolder(const std::filesystem::path& path) const override;
+
+    [[nodiscard]] std::optional<FilePermissions> permissions(const std::filesystem::path& path) const override;
 };
 
 }

@@ -11,6 +11,7 @@
 #include "daemon/SocketTransport.h"
 #include "install/RemovalShellController.h"
 #include "menubar/MenuBarController.h"
+#include "nativehost/NativeMessagingRegistration.h"
 #include "notify/NotificationSounds.h"
 #include "platform/Clock.h"
 #include "platform/LocalSocket.h"
@@ -299,6 +300,21 @@ void AppDelegate::decideWindowAtLaunch()
     m_launchLinkPending = false;
     m_webViewWindow->bringToFront();
     m_webViewWindow->deviceSetupLinkArrived();
+}
+
+void AppDelegate::registerNativeMessaging()
+{
+    using Facts = NativeMessagingFacts;
+    const bool isInstalled = m_ports.bundle.parent_path() == m_configuration.root / "Applications";
+    registerNativeMessagingHost(m_ports.sharedStateQueue, m_ports.files, m_ports.log,
+        { .place = isInstalled ? Facts::Place::eligible : Facts::Place::ineligible,
+            .service = m_ports.services.isProgramInstalled() ? Facts::Service::installed : Facts::Service::absent,
+            .mode = m_configuration.flavour == Flavour::dev ? NativeMessagingPolicy::Mode::dev
+                                                            : NativeMessagingPolicy::Mode::prod,
+            .root = m_configuration.root,
+            .home = m_ports.home,
+            .bundle = m_ports.bundle,
+            .confinedBrowsers = m_ports.confinedBrowsers });
 }
 
 }

@@ -59,7 +59,7 @@ class Workspace;
 struct AppPorts {
     MainLoop& mainLoop;
     Executor& daemonQueue; // A serial queue of its own, for exchanges with the blocking service.
-    Executor& sharedStateQueue; // Another one, for the file that the content filter reads.
+    Executor& sharedStateQueue; // Another one, for the files that the content filter and the browsers read.
     Executor& pageScriptQueue; // Another one, for scripts that are too large to be made on the main thread.
     LocalSocketConnector& localSockets;
     Clock& clock;
@@ -93,6 +93,8 @@ struct AppPorts {
     LoginItem& loginItem;
     ProgramRunner& programs;
     std::function<AppLocationPolicy::Context()> location; // Where the application runs from.
+    // The names of the browsers here that run in a sandbox of their own. Any thread; null where there are none.
+    std::function<std::vector<std::string>()> confinedBrowsers {};
 };
 
 // Builds every long-lived object of the client at launch, in a fixed order, and answers the application object.
@@ -124,6 +126,7 @@ private:
     void armLaunchHold();
     void createMenuBarController();
     void decideWindowAtLaunch();
+    void registerNativeMessaging();
     [[nodiscard]] std::vector<StatusConsumer*> statusConsumers();
     [[nodiscard]] TrustedOrigins trustedOrigins() const;
     [[nodiscard]] bool isTrusted(const std::string& url) const;

@@ -62,6 +62,12 @@ public:
     // Makes the folder, and those above it that are missing, with the permissions that new folders of this process
     // have. One that is there already, or a link to one, stays as it is.
     [[nodiscard]] virtual std::expected<void, FileStoreError> createFolder(const std::filesystem::path& path) = 0;
+
+    // Whether there is a folder at the path, or a link to one. False, too, when that cannot be found out.
+    [[nodiscard]] virtual bool isFolder(const std::filesystem::path& path) const = 0;
+
+    // Those of the file at the path; nothing when `stamp` gives nothing, or when they are none of these.
+    [[nodiscard]] virtual std::optional<FilePermissions> permissions(const std::filesystem::path& path) const = 0;
 };
 
 }

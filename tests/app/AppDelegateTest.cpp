@@ -198,6 +198,22 @@ TEST_F(AppDelegateTest, ThePagesInstallFailsWithAnAlertWithoutTheFilesOfTheBundl
     EXPECT_EQ(delegate.applicationShouldTerminate(), TerminationDecision::now);
 }
 
+TEST_F(AppDelegateTest, TheLaunchLeadsBrowsersToTheNativeMessagingHostWithoutWaitingForTheDisk)
+{
+    const std::filesystem::path support = "/Users/ada/Library/Application Support";
+    const auto manifest = support / "Chromium/NativeMessagingHosts/com.brevanta.native_messaging.json";
+    ASSERT_TRUE(files.createFolder(support / "Chromium"));
+    launch();
+    EXPECT_EQ(files.contents(manifest), std::nullopt);
+    sharedStateQueue.runAll();
+    EXPECT_TRUE(files.contents(manifest).value_or("").contains("/Library/Application Support/Brevanta/native-host"));
+    const auto launcher = files.contents("/Library/Application Support/Brevanta/native-host").value_or("");
+    EXPECT_TRUE(launcher.contains("\nPLIST='/Library/LaunchDaemons/com.brevanta.daemon.plist'\n"
+                                  "HOST='/Applications/Brevanta.app/Contents/MacOS/brevanta-native-host'\n"
+                                  "if [ ! -r '/Library/LaunchDaemons' ] "));
+    EXPECT_TRUE(launcher.contains(", prod)"));
+}
+
 TEST_F(AppDelegateTest, TheFirstLoadFollowsThePreparedWindowAndTheReleasedHold)
 {
     launch();

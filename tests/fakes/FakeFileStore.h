@@ -2,6 +2,7 @@
 
 #include "platform/FileStore.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -63,6 +64,23 @@ public:
         return {};
     }
 
+    [[nodiscard]] bool isFolder(const std::filesystem::path& path) const override
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto isBelow = [&](const std::filesystem::path& other) {
+            return other != path && std::ranges::mismatch(path, other).in1 == path.end();
+        };
+        return m_folders.contains(path) || std::ranges::any_of(m_folders, isBelow)
+            || std::ranges::any_of(m_files, [&](const auto& file) { return isBelow(file.first); });
+    }
+
+    [[nodiscard]] std::optional<FilePermissions> permissions(const std::filesystem::path& path) const override
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto found = m_files.find(path);
+        return found != m_files.end() ? std::optional(found->second.permissions) : std::nullopt;
+    }
+
     // As another process would do it.
     void replaceFromOutside(const std::filesystem::path& path, std::string_view contents)
     {
@@ -88,13 +106,6 @@ public:
         const auto found = m_files.find(path);
         return found != m_files.end() ? std::optional(found->second.contents) : std::nullopt;
     }
-    [[nodiscard]] std::optional<FilePermissions> permissions(const std::filesystem::path& path) const
-    {
-        const std::lock_guard lock(m_mutex);
-        const auto found = m_files.find(path);
-        return found != m_files.end() ? std::optional(found->second.permissions) : std::nullopt;
-    }
-
     [[nodiscard]] std::set<std::filesystem::path> folders() const
     {
         const std::lock_guard lock(m_mutex);

@@ -36,6 +36,7 @@ TYPED_TEST_P(FileStoreContract, MakesAndReplacesFilesWithThePermissionsAskedForW
         EXPECT_EQ(stamp->size, contents.size());
         EXPECT_EQ(this->m_bench.contents(), contents);
         EXPECT_EQ(this->m_bench.permissions(), permissions);
+        EXPECT_EQ(this->m_bench.store().permissions(this->m_bench.path()), permissions);
     }
     ASSERT_TRUE(this->m_bench.store().replace(this->m_bench.path(), "", ownerOnly));
     EXPECT_EQ(this->m_bench.contents(), "");
@@ -58,6 +59,7 @@ TYPED_TEST_P(FileStoreContract, TheStampStaysUntilSomebodyChangesTheFile)
     EXPECT_NE(store.stamp(path), *second);
     this->m_bench.removeFromOutside();
     EXPECT_EQ(store.stamp(path), std::nullopt);
+    EXPECT_EQ(store.permissions(path), std::nullopt);
 }
 
 TYPED_TEST_P(FileStoreContract, WhatCannotBeMadeIsAnErrorThatNamesNeitherFileNorContents)

@@ -35,8 +35,13 @@ void expectContract(FileStore& store, const std::filesystem::path& folder, const
     EXPECT_EQ(tooLarge.error().kind, Kind::failed);
     EXPECT_FALSE(tooLarge.error().message.empty());
 
+    EXPECT_FALSE(store.isFolder(folder / "new"));
     EXPECT_TRUE(store.createFolder(folder / "new" / "deeper"));
     EXPECT_TRUE(store.createFolder(folder / "new" / "deeper"));
+    for (const auto& made : { folder, folder / "new", folder / "new" / "deeper" })
+        EXPECT_TRUE(store.isFolder(made)) << made;
+    for (const auto& none : { file, file / "below", folder / "ne", folder / "new" / "deeper" / "still" })
+        EXPECT_FALSE(store.isFolder(none)) << none;
     EXPECT_FALSE(store.createFolder(file)) << "a file is in the way";
 }
 
@@ -88,6 +93,7 @@ TEST(FileStoreReading, AFolderIsMadeThroughALinkButNotThroughAFile)
     write(folder.path() / "file", "");
     std::filesystem::create_directory(folder.path() / "real");
     std::filesystem::create_directory_symlink("real", folder.path() / "link");
+    EXPECT_TRUE(store.isFolder(folder.path() / "link"));
     EXPECT_TRUE(store.createFolder(folder.path() / "link"));
     EXPECT_TRUE(store.createFolder(folder.path() / "link" / "below"));
     EXPECT_TRUE(std::filesystem::is_directory(folder.path() / "real" / "below"));
