@@ -18,6 +18,7 @@
 #include "gtk/ServiceManagerGtk.h"
 #include "gtk/SoundPlayerGtk.h"
 #include "gtk/StatusItemGtk.h"
+#include "gtk/UpdaterGtk.h"
 #include "gtk/UrlGtk.h"
 #include "gtk/UserDefaultsGtk.h"
 #include "gtk/WebViewGtk.h"
@@ -34,6 +35,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <unistd.h>
 
 using namespace brevanta;
 
@@ -141,9 +143,23 @@ std::vector<std::string> systemLanguages()
     return languages;
 }
 
+std::optional<std::string> textIn(const PropertyListTexts& texts, std::string_view key)
+{
+    const auto found = texts.find(key);
+    return found != texts.end() ? std::optional(found->second) : std::nullopt;
+}
+
+// How the application has run, and what is to follow.
+struct Run {
+    enum class Next { end, relaunch };
+
+    int exitStatus { EXIT_FAILURE };
+    Next next { Next::end };
+};
+
 // Everything below is destroyed from the last to the first: the delegate goes before the queues that its work runs
 // on, and those before the loop that their work answers to.
-int runApplication(
+Run runApplication(
     const BuildConfiguration& configuration, const DesktopSession& session, const std::vector<std::string>& links)
 {
     const auto contents = executablePath().parent_path().parent_path();
@@ -173,6 +189,16 @@ int runApplication(
     ServiceManagerGtk services(mainLoop, configuration.root);
     FilterSystemGtk filterSystem(mainLoop, configuration.root, contents);
     AdministratorGtk administrator(mainWindow.window(), mainLoop, configuration.root, contents / "StandIns");
+    auto next = Run::Next::end;
+    UpdaterGtk updater({ .alerts = alerts,
+        .log = *log,
+        .root = configuration.root,
+        .version = configuration.version,
+        .relaunch = [&next, &lifecycle] {
+            next = Run::Next::relaunch;
+            lifecycle.terminate();
+        } });
+    const auto information = readPropertyList(contents / "Info.plist").value_or(PropertyListTexts());
     FileStorePosix files;
     const auto home = homeFolder(configuration);
     LoginItemGtk loginItem(mainLoop, home / ".config/autostart",
@@ -216,24 +242,37 @@ int runApplication(
                              .systemLanguages = systemLanguages(),
                              .bundle = contents.parent_path(),
                              .administrator = administrator,
+                             .updater = updater,
+                             .updaterFeed = textIn(information, "SUFeedURL"),
+                             .updaterKey = textIn(information, "SUPublicEDKey"),
                              .loginItem = loginItem,
                              .programs = programs,
                              .location = location,
                              .confinedBrowsers = [] { return confinedBrowsers(g_get_home_dir()); } },
         configuration);
-    return lifecycle.run(delegate, links);
+    const int exitStatus = lifecycle.run(delegate, links);
+    return { .exitStatus = exitStatus, .next = next };
 }
 
-int start(const BuildConfiguration& configuration, const std::vector<std::string>& links)
+// Takes this process's place: execv(3). What the process was started with has been done with.
+int startAnew(char* name)
+{
+    char* const arguments[] = { name, nullptr };
+    ::execv(executablePath().c_str(), arguments);
+    std::cerr << "Brevanta: cannot be started anew\n";
+    return EXIT_FAILURE;
+}
+
+Run start(const BuildConfiguration& configuration, const std::vector<std::string>& links)
 {
     ignoreBrokenPipeSignal();
     const auto session = joinDesktopSession(configuration.bundleIdentifier);
     if (!session) {
         std::cerr << "Brevanta: " << session.error().message << '\n';
-        return EXIT_FAILURE;
+        return {};
     }
     if (session->role == InstanceRole::further)
-        return runOrHandOver(*session->application.operator->(), links);
+        return { .exitStatus = runOrHandOver(*session->application.operator->(), links), .next = Run::Next::end };
     return runApplication(configuration, *session, links);
 }
 
@@ -258,5 +297,7 @@ int main(int argc, char** argv)
     case ProgramAction::run:
         break;
     }
-    return start(configuration, request->links);
+    // All that the run has made is gone, and with it the name on the session bus.
+    const auto run = start(configuration, request->links);
+    return run.next == Run::Next::relaunch ? startAnew(argv[0]) : run.exitStatus;
 }

@@ -2,10 +2,19 @@
 
 #include "app/BuildConfiguration.h"
 
+#import <Foundation/Foundation.h>
+
+#include <optional>
+#include <string>
+
 namespace brevanta {
 
 // The configuration of this build, with the version and the identifier that the application bundle states where there
 // is one (documentation pages NSBundle and "Information Property List"). Needs no application object.
 BuildConfiguration configurationOfMainBundle();
+
+// The text under this key of the bundle's information dictionary; nothing where there is none, or another kind of
+// value.
+std::optional<std::string> textInMainBundle(NSString* _Nonnull key);
 
 }

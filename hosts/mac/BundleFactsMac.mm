@@ -14,20 +14,20 @@ std::optional<std::string> environmentVariable(const char* name)
     return value ? std::optional<std::string>(value) : std::nullopt;
 }
 
-std::string textFor(NSString* key)
-{
-    const id value = [NSBundle.mainBundle objectForInfoDictionaryKey:key];
-    return [value isKindOfClass:NSString.class] ? utf8FromString(value) : std::string();
 }
 
+std::optional<std::string> textInMainBundle(NSString* _Nonnull key)
+{
+    const id value = [NSBundle.mainBundle objectForInfoDictionaryKey:key];
+    return [value isKindOfClass:NSString.class] ? std::optional(utf8FromString(value)) : std::nullopt;
 }
 
 BuildConfiguration configurationOfMainBundle()
 {
     BuildConfiguration configuration
         = buildConfiguration(environmentVariable, utf8FromString(NSBundle.mainBundle.executablePath));
-    if (auto version = textFor(@"CFBundleShortVersionString"); !version.empty())
-        configuration.version = std::move(version);
+    if (auto version = textInMainBundle(@"CFBundleShortVersionString"); version && !version->empty())
+        configuration.version = *std::move(version);
     if (auto identifier = utf8FromString(NSBundle.mainBundle.bundleIdentifier); !identifier.empty())
         configuration.bundleIdentifier = std::move(identifier);
     return configuration;

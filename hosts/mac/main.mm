@@ -18,6 +18,7 @@
 #include "mac/StatusItemMac.h"
 #include "mac/SystemLogMac.h"
 #include "mac/TextMac.h"
+#include "mac/UpdaterMac.h"
 #include "mac/UrlMac.h"
 #include "mac/UserDefaultsMac.h"
 #include "mac/WebViewMac.h"
@@ -128,6 +129,7 @@ void runApplication(const BuildConfiguration& configuration)
     ServiceManagerMac services(mainLoop, configuration.root);
     FilterSystemMac filterSystem(mainLoop);
     AdministratorMac administrator(mainLoop, installerQueue);
+    UpdaterMac updater;
     FileStorePosix files;
     LoginItemMac loginItem(mainLoop);
     ProgramRunnerPosix programs(mainLoop, programQueue);
@@ -164,6 +166,9 @@ void runApplication(const BuildConfiguration& configuration)
             .systemLanguages = systemLanguages(),
             .bundle = utf8FromString(NSBundle.mainBundle.bundlePath),
             .administrator = administrator,
+            .updater = updater,
+            .updaterFeed = textInMainBundle(@"SUFeedURL"),
+            .updaterKey = textInMainBundle(@"SUPublicEDKey"),
             .loginItem = loginItem,
             .programs = programs,
             .location = location,

@@ -5,13 +5,13 @@
 #include "app/LaunchRegistrations.h"
 #include "app/Notices.h"
 #include "app/ServiceInstallation.h"
+#include "app/SetupLinks.h"
 #include "app/WindowAtLaunch.h"
 #include "daemon/DaemonClient.h"
 #include "daemon/SharedBlockStateWriter.h"
 #include "daemon/SocketTransport.h"
 #include "install/RemovalShellController.h"
 #include "menubar/MenuBarController.h"
-#include "nativehost/NativeMessagingRegistration.h"
 #include "notify/NotificationSounds.h"
 #include "platform/Clock.h"
 #include "platform/LocalSocket.h"
@@ -20,9 +20,11 @@
 #include "platform/ServiceManager.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
+#include "platform/Updater.h"
 #include "setup/ComponentMonitor.h"
 #include "setup/DeviceSetupActions.h"
 #include "track/AppAlertPresenter.h"
+#include "update/UpdaterPolicy.h"
 #include "web/WebViewWindow.h"
 
 #include <cassert>
@@ -33,6 +35,7 @@ namespace brevanta {
 AppDelegate::AppDelegate(AppPorts ports, BuildConfiguration configuration)
     : m_ports(std::move(ports))
     , m_configuration(std::move(configuration))
+    , m_links(std::make_unique<SetupLinks>(m_ports.clock, m_ports.log))
 {
 }
 
@@ -54,6 +57,7 @@ void AppDelegate::applicationDidFinishLaunching()
     m_ports.lifecycle.setActivationPolicy(ActivationPolicy::regular);
     createDaemonClient();
     installNotificationSounds(m_ports.files, m_ports.log, m_ports.resources, m_ports.home);
+    startUpdater();
     m_notices = std::make_unique<Notices>(Notices::Dependencies {
         .mainLoop = m_ports.mainLoop,
         .clock = m_ports.clock,
@@ -79,21 +83,7 @@ void AppDelegate::applicationDidFinishLaunching()
         [this](const std::string& url) { return isTrusted(url); }, [this] { m_webViewWindow->open(); });
 }
 
-void AppDelegate::applicationDidOpenUrl(const Url& url)
-{
-    if (!DeviceSetupNavigation::isDeviceSetupLink(url))
-        return m_ports.log.log(
-            "[URLScheme] ignoring an unknown link (scheme=" + url.scheme + ", host=" + url.host + ")");
-    if (!m_linkThrottle.accepts(m_ports.clock.uptimeSeconds()))
-        return m_ports.log.log("[URLScheme] open/device-setup throttled");
-    if (!m_webViewWindow) {
-        m_launchLinkPending = true;
-        return;
-    }
-    m_ports.log.log("[URLScheme] open/device-setup: bringing the window to the front");
-    m_webViewWindow->bringToFront();
-    m_webViewWindow->deviceSetupLinkArrived();
-}
+void AppDelegate::applicationDidOpenUrl(const Url& url) { m_links->arrived(url); }
 
 void AppDelegate::applicationDidBecomeActive()
 {
@@ -128,6 +118,14 @@ void AppDelegate::applicationWillTerminate()
     // A service that hangs must not hold the quit: the exchange under way is cut off, and nobody waits for its answer.
     // Nothing is destroyed here, since the quit may have been chosen in a menu whose handler is still on the stack.
     m_ports.localSockets.interrupt();
+}
+
+void AppDelegate::startUpdater()
+{
+    if (!UpdaterPolicy::configuration(m_ports.updaterFeed, m_ports.updaterKey, m_ports.parseUrl))
+        return;
+    m_updater = &m_ports.updater;
+    m_updater->start([this](std::function<void()> relaunch) { return updaterShouldRelaunch(std::move(relaunch)); });
 }
 
 void AppDelegate::createDaemonClient()
@@ -216,7 +214,7 @@ void AppDelegate::createWindow()
         .daemonClient = *m_daemonClient,
         .deviceSetup = *m_deviceSetup,
         .removal = *m_removal,
-        .updater = nullptr,
+        .updater = m_updater,
         .origins = trustedOrigins(),
         .activateApplication = [this] { m_ports.lifecycle.activate(); },
         .newUuid = m_ports.newUuid,
@@ -252,6 +250,7 @@ void AppDelegate::createMenuBarController()
         .deviceSetup = *m_deviceSetup,
         .installer = m_installation->flight(),
         .webShell = m_webViewWindow.get(),
+        .updater = m_updater,
         .consumers = statusConsumers(),
         .version = m_configuration.version,
         .systemVersion = m_ports.systemVersion,
@@ -294,27 +293,7 @@ void AppDelegate::decideWindowAtLaunch()
         m_ports.log.log("[Launch] no bar shows the status item: showing the window");
         m_webViewWindow->bringToFront();
     }
-    if (!m_launchLinkPending)
-        return;
-    m_ports.log.log("[URLScheme] open/device-setup launched the app: bringing the window to the front");
-    m_launchLinkPending = false;
-    m_webViewWindow->bringToFront();
-    m_webViewWindow->deviceSetupLinkArrived();
-}
-
-void AppDelegate::registerNativeMessaging()
-{
-    using Facts = NativeMessagingFacts;
-    const bool isInstalled = m_ports.bundle.parent_path() == m_configuration.root / "Applications";
-    registerNativeMessagingHost(m_ports.sharedStateQueue, m_ports.files, m_ports.log,
-        { .place = isInstalled ? Facts::Place::eligible : Facts::Place::ineligible,
-            .service = m_ports.services.isProgramInstalled() ? Facts::Service::installed : Facts::Service::absent,
-            .mode = m_configuration.flavour == Flavour::dev ? NativeMessagingPolicy::Mode::dev
-                                                            : NativeMessagingPolicy::Mode::prod,
-            .root = m_configuration.root,
-            .home = m_ports.home,
-            .bundle = m_ports.bundle,
-            .confinedBrowsers = m_ports.confinedBrowsers });
+    m_links->windowCreated(*m_webViewWindow);
 }
 
 }

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/Updater.h"
+
 #include <string>
 #include <variant>
 #include <vector>
 
 namespace brevanta {
-
-enum class RelaunchDecision { now, later };
 
 // Keeps the application from ending in the middle of an install of the blocking service: a quit, and the relaunch that
 // an update asks for, wait for the install's end. A pure value.

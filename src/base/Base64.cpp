@@ -1,6 +1,6 @@
 #include "base/Base64.h"
 
-#include <string_view>
+#include <algorithm>
 
 namespace brevanta {
 
@@ -25,6 +25,30 @@ std::string base64(std::span<const std::uint8_t> bytes)
         bytes = bytes.subspan(group.size());
     }
     return text;
+}
+
+std::optional<std::vector<std::uint8_t>> decodedBase64(std::string_view text)
+{
+    if (text.size() % 4)
+        return std::nullopt;
+    const auto padding = text.ends_with("==") ? std::size_t { 2 } : static_cast<std::size_t>(text.ends_with('='));
+    const auto size = text.size() / 4 * groupSize - padding;
+    std::vector<std::uint8_t> bytes;
+    bytes.reserve(size);
+    std::uint32_t bits = 0;
+    unsigned count = 0; // Of bits that are no part of a byte yet.
+    for (const char letter : text.substr(0, text.size() - padding)) {
+        const auto value = alphabet.find(letter);
+        if (value == std::string_view::npos)
+            return std::nullopt;
+        bits = (bits << 6U) | static_cast<std::uint32_t>(value);
+        count += 6;
+        if (count < 8)
+            continue;
+        count -= 8;
+        bytes.push_back(static_cast<std::uint8_t>(bits >> count));
+    }
+    return bytes;
 }
 
 }

@@ -7,6 +7,7 @@
 #include "platform/Clock.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
+#include "platform/Updater.h"
 #include "setup/ComponentMonitor.h"
 #include "setup/DeviceSetupActions.h"
 #include "track/AppAlertPresenter.h"
@@ -34,6 +35,7 @@ MenuBarController::MenuBarController(Dependencies dependencies)
     , m_pollLoop(m_dependencies.mainLoop, m_dependencies.clock, m_dependencies.daemonClient, *this)
 {
     m_state.version = m_dependencies.version;
+    m_state.updater = m_dependencies.updater ? Availability::available : Availability::absent;
     m_state.webShell = m_dependencies.webShell ? Availability::available : Availability::absent;
     m_dependencies.statusItem.setChoiceHandler([this](MenuItemId item) { chosen(item); });
     refreshStatusItem();
@@ -204,8 +206,10 @@ void MenuBarController::chosen(MenuItemId item)
     case MenuCommand::blockingService:
     case MenuCommand::restartService:
         return perform(m_dependencies.monitor.serviceLine().action);
-    // Disabled while there is nothing behind it.
     case MenuCommand::checkForUpdates:
+        if (m_dependencies.updater)
+            m_dependencies.updater->checkNow();
+        return;
     // Information.
     case MenuCommand::showVersion:
     case MenuCommand::showBlocking:

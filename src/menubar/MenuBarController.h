@@ -25,6 +25,7 @@ class NotificationHelper;
 class ServiceInstaller;
 class StatusConsumer;
 class SystemLog;
+class Updater;
 class WebShell;
 
 // Owns the status item's content and the poll loop that drives the client: each status is handed on in one fixed order.
@@ -45,6 +46,7 @@ public:
         DeviceSetupActions& deviceSetup;
         ServiceInstaller& installer;
         WebShell* webShell; // Null while the client has no web application to show.
+        Updater* updater { nullptr }; // Null when updates are not configured.
         std::vector<StatusConsumer*> consumers; // In the order in which each status is handed to them.
         std::string version;
         SystemVersion systemVersion;

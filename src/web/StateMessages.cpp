@@ -4,7 +4,7 @@
 #include "install/RemovalShellController.h"
 #include "platform/SystemLog.h"
 #include "setup/DeviceSetup.h"
-#include "update/UpdaterControl.h"
+#include "update/UpdaterPolicy.h"
 #include "web/BlockingStatusDelivery.h"
 #include "web/BridgeTable.h"
 #include "web/PageDelivery.h"
@@ -43,7 +43,7 @@ void StateMessages::addSetupAndUpdater(BridgeTable& table)
 {
     table.addMatching([](const std::string& type) { return type.starts_with("setup_"); },
         [this](const auto& message) { m_dependencies.deviceSetup.perform(message.type); });
-    table.addMatching([](const std::string& type) { return updaterCommand(type).has_value(); },
+    table.addMatching([](const std::string& type) { return UpdaterPolicy::command(type).has_value(); },
         [this](const auto& message) { performUpdater(message); });
 }
 
@@ -88,8 +88,8 @@ void StateMessages::forgetDelivered()
 
 void StateMessages::performUpdater(const BridgeMessage& message)
 {
-    if (const auto command = updaterCommand(message.type))
-        perform(*command, m_dependencies.updater);
+    if (const auto command = UpdaterPolicy::command(message.type))
+        UpdaterPolicy::perform(*command, m_dependencies.updater);
     deliverUpdaterState();
 }
 
@@ -111,7 +111,7 @@ void StateMessages::deliverBlockingStatus()
 void StateMessages::deliverUpdaterState()
 {
     m_dependencies.delivery.deliver(
-        PageScripts::updaterState(updaterState(m_dependencies.updater, m_dependencies.version)));
+        PageScripts::updaterState(UpdaterPolicy::state(m_dependencies.updater, m_dependencies.version)));
 }
 
 void StateMessages::deliverDeviceSetupState(Repeat repeat)

@@ -13,7 +13,7 @@ class DeviceSetup;
 class PageDelivery;
 class RemovalShellController;
 class SystemLog;
-class UpdaterControl;
+class Updater;
 struct BridgeMessage;
 
 // What the page asks about the state of the client's parts, and has them do: blocking, device setup, removal, updater.
@@ -24,7 +24,7 @@ public:
         DaemonClient& daemonClient;
         DeviceSetup& deviceSetup;
         RemovalShellController& removal;
-        UpdaterControl* updater; // Null when updates are not configured.
+        Updater* updater; // Null when updates are not configured.
         PageDelivery& delivery;
         BlockingStatusDelivery& blockingStatus;
         SystemLog& log;

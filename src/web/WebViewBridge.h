@@ -37,7 +37,7 @@ public:
         DaemonClient& daemonClient;
         DeviceSetup& deviceSetup;
         RemovalShellController& removal;
-        UpdaterControl* updater; // Null when updates are not configured.
+        Updater* updater; // Null when updates are not configured.
         std::function<void()> bringWindowForward;
         std::string applicationsFolder;
         std::string version; // Of the application, as the next two.

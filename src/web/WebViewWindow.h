@@ -37,7 +37,7 @@ public:
         DaemonClient& daemonClient;
         DeviceSetup& deviceSetup;
         RemovalShellController& removal;
-        UpdaterControl* updater; // Null when updates are not configured.
+        Updater* updater; // Null when updates are not configured.
         TrustedOrigins origins;
         std::function<void()> activateApplication;
         std::function<std::string()> newUuid;

@@ -9,6 +9,7 @@
 #include "fakes/FakePorts.h"
 #include "fakes/FakeProgramRunner.h"
 #include "fakes/FakeServiceManager.h"
+#include "fakes/FakeUpdater.h"
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
 #include "install/InstallScript.h"
@@ -45,6 +46,9 @@ protected:
         return found != urls.end() ? std::optional(found->second) : std::nullopt;
     }
 
+    // Usable once it is among the URLs.
+    static constexpr auto updaterFeed = "https://updates.example.com/";
+
     std::map<std::string, Url> urls;
     FakeClock clock;
     FakeMainLoop mainLoop { clock };
@@ -74,14 +78,15 @@ protected:
         .resolvedSystemApplicationsURL = "/Applications",
         .volumeIsReadOnly = {},
         .resolvedUserApplicationsURL = {} };
+    FakeUpdater updater;
     AppDelegate delegate {
         AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, sockets, clock, log, defaults, lifecycle, window,
             statusItem, alerts, workspace, notifications, loginRecords, webView, placeholder, openPanel, services,
             filterSystem, files, [] { return std::filesystem::path("/shared"); }, SystemVersion {},
             [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
             [this](const std::string& text) { return parseUrl(text); }, "/Applications/Brevanta.app/Contents/Resources",
-            "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator, loginItem, programs,
-            [this] { return location; } },
+            "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator, updater, updaterFeed,
+            std::string(43, 'A') + "=", loginItem, programs, [this] { return location; } },
         BuildConfiguration { .version = "0.121.0",
             .bundleIdentifier = {},
             .root = "/",
@@ -166,6 +171,41 @@ TEST_F(AppDelegateTest, AnInstallIsShownEverywhereAndHoldsTheQuit)
     EXPECT_EQ(lifecycle.answers, std::vector { TerminationAnswer::proceed });
     EXPECT_EQ(statusItem.visibleTitle(200), "Blocking Service: starting…");
     EXPECT_TRUE(alerts.presented.empty());
+}
+
+TEST_F(AppDelegateTest, WithoutAUsableConfigurationThereIsNoUpdater)
+{
+    launch();
+    EXPECT_EQ(updater.starts, 0);
+    statusItem.choose("Check for Updates…");
+    EXPECT_EQ(updater.checksNow, 0);
+}
+
+TEST_F(AppDelegateTest, TheUpdaterServesMenuAndPageAndItsRelaunchWaitsForAnInstall)
+{
+    urls[updaterFeed] = { .text = updaterFeed, .scheme = "https", .host = "updates.example.com", .path = "/" };
+    const std::filesystem::path resources = "/Applications/Brevanta.app/Contents/Resources";
+    files.replaceFromOutside(resources / "com.brevanta.daemon", "service");
+    files.replaceFromOutside(resources / "com.brevanta.daemon.plist", "list");
+    administrator.ends.isHeld = true;
+    launch();
+    ASSERT_EQ(updater.starts, 1);
+    statusItem.choose("Check for Updates…");
+    EXPECT_EQ(updater.checksNow, 1);
+    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
+    webView.configuration->messageHandlers.at(0).handler.messageArrived(
+        { R"({"type":"set_updater_auto_checks_on"})", { true, "https", "www.example.com" } });
+    EXPECT_TRUE(updater.checks);
+
+    int relaunches = 0;
+    EXPECT_EQ(updater.handler([&] { ++relaunches; }), RelaunchDecision::now);
+    statusItem.choose("⚠ Install Blocking Service…");
+    EXPECT_EQ(updater.handler([&] { ++relaunches; }), RelaunchDecision::later);
+    EXPECT_TRUE(hasLine("[DaemonInstall] Sparkle relaunch held until the blocking service install finishes"));
+    EXPECT_EQ(relaunches, 0);
+    administrator.ends.answerOldest();
+    mainLoop.runPosted();
+    EXPECT_EQ(relaunches, 1);
 }
 
 TEST_F(AppDelegateTest, NothingThatThePageSaysReachesTheInstallScript)

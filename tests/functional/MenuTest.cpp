@@ -31,11 +31,11 @@ TEST_F(MenuTest, onlyWhatCanBeChosenIsEnabled)
     ASSERT_TRUE(showsLine("Blocking: Inactive (42.00 Coins)"));
     const auto entries = bench().menu().read();
     ASSERT_TRUE(entries) << entries.error();
-    for (const auto* label : { "Open Brevanta", "Reload", "Quit" }) {
+    for (const auto* label : { "Open Brevanta", "Check for Updates…", "Reload", "Quit" }) {
         ASSERT_TRUE(isVisible(*entries, label));
         EXPECT_TRUE(findEntry(*entries, label)->isEnabled) << label;
     }
-    for (const auto* label : { "Brevanta 0.121.0", "Check for Updates…", "Blocking: Inactive (42.00 Coins)" }) {
+    for (const auto* label : { "Brevanta 0.121.0", "Blocking: Inactive (42.00 Coins)" }) {
         ASSERT_TRUE(isVisible(*entries, label));
         EXPECT_FALSE(findEntry(*entries, label)->isEnabled) << label;
     }

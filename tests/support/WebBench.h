@@ -4,6 +4,7 @@
 #include "fakes/FakeDaemonTransport.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
+#include "fakes/FakeUpdater.h"
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
 #include "install/RemovalShellController.h"
@@ -12,7 +13,6 @@
 #include "notify/SystemNotificationCenterClient.h"
 #include "setup/DeviceSetup.h"
 #include "support/StatusReply.h"
-#include "update/UpdaterControl.h"
 #include "web/WebViewWindow.h"
 
 #include <memory>
@@ -52,23 +52,13 @@ public:
     bool inFlight { false };
 };
 
-class FakeUpdater final : public UpdaterControl {
-public:
-    [[nodiscard]] bool automaticChecks() const override { return checks; }
-    void setAutomaticChecks(bool on) override { checks = on; }
-    void checkNow() override { ++checksNow; }
-
-    bool checks { false };
-    int checksNow { 0 };
-};
-
 // The web shell with an engine, a service and a desktop that do what the test says.
 class WebBench {
 public:
     static constexpr auto appUrl = "https://www.example.com/app";
     const std::string uuid = "6f9619ff-8b86-4011-b42d-00c04fc964ff";
 
-    void open(UpdaterControl* updater = nullptr)
+    void open(Updater* updater = nullptr)
     {
         window = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
             .mainLoop = mainLoop,
@@ -100,7 +90,7 @@ public:
     }
 
     // With the application's page in front, finished.
-    void openUsable(UpdaterControl* updater = nullptr)
+    void openUsable(Updater* updater = nullptr)
     {
         open(updater);
         window->loadCoordinator().prepare();

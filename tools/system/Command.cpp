@@ -50,6 +50,9 @@ std::expected<Command, StandInError> parseCommand(std::span<const std::string> w
     } else if (subject == "app") {
         if (auto change = appChange(rest))
             return *std::move(change);
+    } else if (subject == "updater") {
+        if (auto change = updaterChange(rest))
+            return *std::move(change);
     }
     return standInError("unknown command '" + joined(words) + "'");
 }
@@ -65,7 +68,8 @@ std::optional<int> positiveNumber(const std::string& word)
 std::string commandUsage()
 {
     return usageLines("filter", filterUsages()) + usageLines("service", serviceUsages())
-        + usageLines("app", appUsages()) + usageLine("show", "print all of it");
+        + usageLines("app", appUsages()) + usageLines("updater", updaterUsages())
+        + usageLine("show", "print all of it");
 }
 
 }

@@ -14,6 +14,7 @@ namespace brevanta::system_tool {
 using FilterChange = StandInStore::Change<FilterStandIn>;
 using ServiceChange = StandInStore::Change<ServiceStandIn>;
 using AppChange = StandInStore::Change<WorkspaceStandIn>;
+using UpdaterChange = StandInStore::Change<UpdaterStandIn>;
 
 enum class ProgramChange { none, install, remove };
 
@@ -25,7 +26,7 @@ struct ServiceCommand {
 struct ShowCommand { };
 
 // A command that was found to be well formed. What it cannot do in the state that it meets is an error of its change.
-using Command = std::variant<FilterChange, ServiceCommand, AppChange, ShowCommand>;
+using Command = std::variant<FilterChange, ServiceCommand, AppChange, UpdaterChange, ShowCommand>;
 
 // `version` is that of the copies of the extension that the command puts there.
 [[nodiscard]] std::expected<Command, StandInError> parseCommand(
@@ -42,12 +43,14 @@ struct CommandUsage {
     std::string_view effect;
 };
 
-// Behind `filter`, `service` and `app`; nothing for words that are no command.
+// Behind `filter`, `service`, `app` and `updater`; nothing for words that are no command.
 [[nodiscard]] std::optional<FilterChange> filterChange(std::span<const std::string> words, const std::string& version);
 [[nodiscard]] std::span<const CommandUsage> filterUsages();
 [[nodiscard]] std::optional<ServiceCommand> serviceCommand(std::span<const std::string> words);
 [[nodiscard]] std::span<const CommandUsage> serviceUsages();
 [[nodiscard]] std::optional<AppChange> appChange(std::span<const std::string> words);
 [[nodiscard]] std::span<const CommandUsage> appUsages();
+[[nodiscard]] std::optional<UpdaterChange> updaterChange(std::span<const std::string> words);
+[[nodiscard]] std::span<const CommandUsage> updaterUsages();
 
 }

@@ -82,6 +82,8 @@ public:
 
     Done operator()(const AppChange& change) const { return withoutValue(m_store.changeWorkspace(change)); }
 
+    Done operator()(const UpdaterChange& change) const { return withoutValue(m_store.changeUpdater(change)); }
+
     Done operator()(ShowCommand) const
     {
         const auto filter = m_store.filter();
@@ -93,8 +95,12 @@ public:
         const auto workspace = m_store.workspace();
         if (!workspace)
             return std::unexpected(workspace.error());
-        std::printf("filter %sservice %sapp %sprogram %s\n", encode(*filter).c_str(), encode(*service).c_str(),
-            encode(*workspace).c_str(), isServiceProgramInstalled(m_root) ? "installed" : "missing");
+        const auto updater = m_store.updater();
+        if (!updater)
+            return std::unexpected(updater.error());
+        std::printf("filter %sservice %sapp %supdater %sprogram %s\n", encode(*filter).c_str(),
+            encode(*service).c_str(), encode(*workspace).c_str(), encode(*updater).c_str(),
+            isServiceProgramInstalled(m_root) ? "installed" : "missing");
         return {};
     }
 

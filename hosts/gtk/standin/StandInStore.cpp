@@ -110,6 +110,7 @@ StandInStore::StandInStore(const std::filesystem::path& root)
     : m_filterFile(root / "var/db/systemextensions.json")
     , m_serviceFile(root / "var/db/launchd.json")
     , m_workspaceFile(root / "var/db/workspace.json")
+    , m_updaterFile(root / "var/db/updater.json")
 {
 }
 
@@ -128,6 +129,11 @@ StandInStore::Read<WorkspaceStandIn> StandInStore::workspace() const
     return readState<WorkspaceStandIn>(m_workspaceFile, decodeWorkspaceStandIn);
 }
 
+StandInStore::Read<UpdaterStandIn> StandInStore::updater() const
+{
+    return readState<UpdaterStandIn>(m_updaterFile, decodeUpdaterStandIn);
+}
+
 StandInStore::Read<FilterStandIn> StandInStore::changeFilter(const Change<FilterStandIn>& change) const
 {
     return changeState<FilterStandIn>(m_filterFile, decodeFilterStandIn, change);
@@ -141,6 +147,11 @@ StandInStore::Read<ServiceStandIn> StandInStore::changeService(const Change<Serv
 StandInStore::Read<WorkspaceStandIn> StandInStore::changeWorkspace(const Change<WorkspaceStandIn>& change) const
 {
     return changeState<WorkspaceStandIn>(m_workspaceFile, decodeWorkspaceStandIn, change);
+}
+
+StandInStore::Read<UpdaterStandIn> StandInStore::changeUpdater(const Change<UpdaterStandIn>& change) const
+{
+    return changeState<UpdaterStandIn>(m_updaterFile, decodeUpdaterStandIn, change);
 }
 
 }

@@ -2,6 +2,7 @@
 
 #include "gtk/standin/FilterStandIn.h"
 #include "gtk/standin/ServiceStandIn.h"
+#include "gtk/standin/UpdaterStandIn.h"
 #include "gtk/standin/WorkspaceStandIn.h"
 
 #include <expected>
@@ -26,19 +27,23 @@ public:
     [[nodiscard]] Read<FilterStandIn> filter() const;
     [[nodiscard]] Read<ServiceStandIn> service() const;
     [[nodiscard]] Read<WorkspaceStandIn> workspace() const;
+    [[nodiscard]] Read<UpdaterStandIn> updater() const;
 
     // Gives what the file holds now. On an error it is as it was. Waits up to a second for another's change to end.
     Read<FilterStandIn> changeFilter(const Change<FilterStandIn>& change) const;
     Read<ServiceStandIn> changeService(const Change<ServiceStandIn>& change) const;
     Read<WorkspaceStandIn> changeWorkspace(const Change<WorkspaceStandIn>& change) const;
+    Read<UpdaterStandIn> changeUpdater(const Change<UpdaterStandIn>& change) const;
 
     [[nodiscard]] const std::filesystem::path& filterFile() const { return m_filterFile; }
     [[nodiscard]] const std::filesystem::path& workspaceFile() const { return m_workspaceFile; }
+    [[nodiscard]] const std::filesystem::path& updaterFile() const { return m_updaterFile; }
 
 private:
     std::filesystem::path m_filterFile;
     std::filesystem::path m_serviceFile;
     std::filesystem::path m_workspaceFile;
+    std::filesystem::path m_updaterFile;
 };
 
 }

@@ -183,6 +183,30 @@ TEST(SystemCommand, TheRunningApplicationsFollowTheCommands)
     EXPECT_EQ(std::get<AppChange>(*parse("app fresh"))(damaged), WorkspaceStandIn());
 }
 
+TEST(SystemCommand, TheOfferedUpdateFollowsTheCommands)
+{
+    struct Case {
+        const char* line;
+        UpdaterStandIn before;
+        UpdaterStandIn after;
+    };
+    const Case cases[] = {
+        { "updater offer 2.0", {}, { .offered = "2.0" } },
+        { "updater offer 2.0", { .checksAutomatically = false, .offered = "1.0" },
+            { .checksAutomatically = false, .offered = "2.0" } },
+        { "updater withdraw", { .checksAutomatically = false, .offered = "1.0" }, { .checksAutomatically = false } },
+        { "updater fresh", { .checksAutomatically = false, .offered = "1.0" }, {} },
+    };
+    const StandInStore::Read<UpdaterStandIn> damaged = standInError("damaged");
+    for (const auto& [line, before, after] : cases) {
+        const auto command = parse(line);
+        ASSERT_TRUE(command && std::holds_alternative<UpdaterChange>(*command)) << line;
+        EXPECT_EQ(std::get<UpdaterChange>(*command)(before), after) << line;
+        EXPECT_EQ(std::get<UpdaterChange>(*command)(damaged).has_value(), std::string_view(line) == "updater fresh")
+            << line;
+    }
+}
+
 TEST(SystemCommand, MistakesAreRefused)
 {
     for (const std::string line : { "", "filter", "service", "filters on", "filter ON", "filter on now",
@@ -193,7 +217,8 @@ TEST(SystemCommand, MistakesAreRefused)
              "filter fail-queries preferences properties", "service loaded now", "service off",
              "service refuse-bootstrap", "service refuse-bootstrap -1", "service refuse-bootstrap 1 2", "show filter",
              "app", "app launch", "app launch a 0", "app launch a -1", "app launch a 1x", "app launch a 99999999999",
-             "app launch a 1 2", "app quit", "app quit a 1", "app fresh now", "app start a" })
+             "app launch a 1 2", "app quit", "app quit a 1", "app fresh now", "app start a", "updater", "updater offer",
+             "updater offer 1 2", "updater withdraw 1", "updater fresh now" })
         EXPECT_FALSE(parse(line)) << line;
     for (const std::string line : { "", "show", "--root", "--root show", "--root r", "--roots r show",
              "--root r --x show", "show --root r", "--root r filter" })
