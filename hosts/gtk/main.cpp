@@ -6,6 +6,7 @@
 #include "gtk/ApplicationLifecycleGtk.h"
 #include "gtk/ClockGtk.h"
 #include "gtk/ConfinedBrowsers.h"
+#include "gtk/CrashReporterGtk.h"
 #include "gtk/DesktopSession.h"
 #include "gtk/FilterSystemGtk.h"
 #include "gtk/LoginItemGtk.h"
@@ -93,6 +94,13 @@ std::unique_ptr<SystemLog> newLog(Flavour flavour)
     return std::make_unique<SyslogLog>();
 }
 
+// The bench sends no reports; the development root takes down that it would.
+std::optional<std::filesystem::path> crashRecord(const BuildConfiguration& configuration)
+{
+    return configuration.flavour == Flavour::dev ? std::optional(configuration.root / "crash-reporter.json")
+                                                 : std::nullopt;
+}
+
 DesktopIdentity desktopIdentity(const BuildConfiguration& configuration, const std::filesystem::path& resources)
 {
     return { .name = "Brevanta",
@@ -109,6 +117,14 @@ SystemVersion systemVersion(const BuildConfiguration& configuration)
     if (facts && version != facts->end())
         std::sscanf(version->second.c_str(), "%d.%d.%d", &parsed.major, &parsed.minor, &parsed.patch);
     return parsed;
+}
+
+// What the bundle says of itself; empty when it does not.
+std::string bundleText(const std::filesystem::path& contents, std::string_view key)
+{
+    const auto facts = readPropertyList(contents / "Info.plist");
+    const auto value = facts ? facts->find(key) : PropertyListTexts::const_iterator {};
+    return facts && value != facts->end() ? value->second : std::string();
 }
 
 // The group's container, which the Mac makes for its members.
@@ -208,6 +224,7 @@ Run runApplication(
     };
     SerialQueue programQueue(queueThread("com.brevanta.programs"));
     ProgramRunnerPosix programs(mainLoop, programQueue);
+    CrashReporterGtk crashReporter(files, crashRecord(configuration));
     SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
     SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
     SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
@@ -242,6 +259,8 @@ Run runApplication(
                              .systemLanguages = systemLanguages(),
                              .bundle = contents.parent_path(),
                              .administrator = administrator,
+                             .crashReporter = crashReporter,
+                             .crashEnvironment = readEnvironment("SENTRY_ENVIRONMENT").value_or(""),
                              .updater = updater,
                              .updaterFeed = textIn(information, "SUFeedURL"),
                              .updaterKey = textIn(information, "SUPublicEDKey"),
@@ -286,7 +305,8 @@ int main(int argc, char** argv)
         std::cerr << "Brevanta: unknown argument \"" << request.error().argument << "\" (see --help)\n";
         return badArguments;
     }
-    const auto configuration = buildConfiguration(readEnvironment, executablePath());
+    auto configuration = buildConfiguration(readEnvironment, executablePath());
+    configuration.crashEndpoint = bundleText(executablePath().parent_path().parent_path(), "BrevantaCrashEndpoint");
     switch (request->action) {
     case ProgramAction::showHelp:
         std::cout << programUsage();

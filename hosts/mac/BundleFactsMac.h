@@ -9,8 +9,9 @@
 
 namespace brevanta {
 
-// The configuration of this build, with the version and the identifier that the application bundle states where there
-// is one (documentation pages NSBundle and "Information Property List"). Needs no application object.
+// The configuration of this build, with the version, the identifier and the endpoint of crash reports that the
+// application bundle states where there is one (documentation pages NSBundle and "Information Property List"). Needs no
+// application object.
 BuildConfiguration configurationOfMainBundle();
 
 // The text under this key of the bundle's information dictionary; nothing where there is none, or another kind of

@@ -30,6 +30,7 @@ BuildConfiguration configurationOfMainBundle()
         configuration.version = *std::move(version);
     if (auto identifier = utf8FromString(NSBundle.mainBundle.bundleIdentifier); !identifier.empty())
         configuration.bundleIdentifier = std::move(identifier);
+    configuration.crashEndpoint = textFor(@"BrevantaCrashEndpoint");
     return configuration;
 }
 

@@ -6,6 +6,7 @@
 #include "mac/ApplicationLifecycleMac.h"
 #include "mac/BundleFactsMac.h"
 #include "mac/ClockMac.h"
+#include "mac/CrashReporterMac.h"
 #include "mac/FilterSystemMac.h"
 #include "mac/LoginItemMac.h"
 #include "mac/MainLoopMac.h"
@@ -93,6 +94,12 @@ AppLocationPolicy::Context location()
         utf8FromString(NSHomeDirectory()) + "/Applications");
 }
 
+std::string environmentVariable(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value ? value : std::string();
+}
+
 // In the order of the system's settings.
 std::vector<std::string> systemLanguages()
 {
@@ -133,6 +140,7 @@ void runApplication(const BuildConfiguration& configuration)
     FileStorePosix files;
     LoginItemMac loginItem(mainLoop);
     ProgramRunnerPosix programs(mainLoop, programQueue);
+    CrashReporterMac crashReporter;
     AppDelegate delegate(
         {
             .mainLoop = mainLoop,
@@ -166,6 +174,8 @@ void runApplication(const BuildConfiguration& configuration)
             .systemLanguages = systemLanguages(),
             .bundle = utf8FromString(NSBundle.mainBundle.bundlePath),
             .administrator = administrator,
+            .crashReporter = crashReporter,
+            .crashEnvironment = environmentVariable("SENTRY_ENVIRONMENT"),
             .updater = updater,
             .updaterFeed = textInMainBundle(@"SUFeedURL"),
             .updaterKey = textInMainBundle(@"SUPublicEDKey"),

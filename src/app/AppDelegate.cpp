@@ -1,12 +1,14 @@
 #include "app/AppDelegate.h"
 
 #include "app/AppLocationGate.h"
+#include "app/CrashReportingAtLaunch.h"
 #include "app/FirstLoadHold.h"
 #include "app/LaunchRegistrations.h"
 #include "app/Notices.h"
 #include "app/ServiceInstallation.h"
 #include "app/SetupLinks.h"
 #include "app/WindowAtLaunch.h"
+#include "crash/CrashReporting.h"
 #include "daemon/DaemonClient.h"
 #include "daemon/SharedBlockStateWriter.h"
 #include "daemon/SocketTransport.h"
@@ -15,10 +17,8 @@
 #include "notify/NotificationSounds.h"
 #include "platform/Clock.h"
 #include "platform/LocalSocket.h"
-#include "platform/LoginRecords.h"
 #include "platform/MainLoop.h"
 #include "platform/ServiceManager.h"
-#include "platform/StatusItem.h"
 #include "platform/SystemLog.h"
 #include "platform/Updater.h"
 #include "setup/ComponentMonitor.h"
@@ -47,6 +47,7 @@ void AppDelegate::applicationWillFinishLaunching() { assert(m_ports.mainLoop.isM
 void AppDelegate::applicationDidFinishLaunching()
 {
     assert(m_ports.mainLoop.isMainThread());
+    m_crashReporting = startCrashReporting(m_ports, m_configuration);
     m_locationGate = std::make_unique<AppLocationGate>(AppLocationGate::Dependencies { .mainLoop = m_ports.mainLoop,
         .log = m_ports.log,
         .lifecycle = m_ports.lifecycle,
@@ -264,7 +265,7 @@ void AppDelegate::createMenuBarController()
 
 std::vector<StatusConsumer*> AppDelegate::statusConsumers()
 {
-    std::vector<StatusConsumer*> consumers { m_sharedStateWriter.get(), m_removal.get() };
+    std::vector<StatusConsumer*> consumers { m_crashReporting.get(), m_sharedStateWriter.get(), m_removal.get() };
     for (auto* const consumer : m_notices->consumers())
         consumers.push_back(consumer);
     return consumers;
@@ -283,16 +284,8 @@ bool AppDelegate::isTrusted(const std::string& text) const
 
 void AppDelegate::decideWindowAtLaunch()
 {
-    const auto login = m_ports.loginRecords.consoleLoginTime();
-    const auto sinceLogin = login ? std::optional(m_ports.clock.wallSeconds() - *login) : std::nullopt;
-    m_ports.log.log(describeWindowAtLaunch(sinceLogin));
-    const bool cannotBeFound = m_ports.statusItem.visibility() == StatusItemVisibility::noHost;
-    if (windowAtLaunch(sinceLogin) == WindowAtLaunch::shown) {
+    if (windowAtLaunch(m_ports.loginRecords, m_ports.clock, m_ports.statusItem, m_ports.log) == WindowAtLaunch::shown)
         m_webViewWindow->bringToFront();
-    } else if (cannotBeFound) {
-        m_ports.log.log("[Launch] no bar shows the status item: showing the window");
-        m_webViewWindow->bringToFront();
-    }
     m_links->windowCreated(*m_webViewWindow);
 }
 

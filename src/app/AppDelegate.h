@@ -15,6 +15,7 @@ namespace brevanta {
 class AppAlertPresenter;
 class AppLocationGate;
 class ComponentMonitor;
+class CrashReporting;
 class DaemonClient;
 class DeviceSetupActions;
 class FirstLoadHold;
@@ -66,6 +67,7 @@ private:
 
     AppPorts m_ports;
     BuildConfiguration m_configuration;
+    std::unique_ptr<CrashReporting> m_crashReporting;
     std::unique_ptr<AppLocationGate> m_locationGate;
     std::unique_ptr<DaemonClient> m_daemonClient;
     std::unique_ptr<SharedBlockStateWriter> m_sharedStateWriter;

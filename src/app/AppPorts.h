@@ -16,6 +16,7 @@ class Administrator;
 class AlertPanel;
 class ApplicationLifecycle;
 class Clock;
+class CrashReporter;
 class Executor;
 class FileStore;
 class FilterSystem;
@@ -72,6 +73,8 @@ struct AppPorts {
     std::vector<std::string> systemLanguages; // Those that the user prefers, as in `chooseNoticeLanguage`.
     std::filesystem::path bundle; // The application's bundle; empty when it cannot be located.
     Administrator& administrator;
+    CrashReporter& crashReporter;
+    std::string crashEnvironment; // What "SENTRY_ENVIRONMENT" holds; empty when it is not set.
     Updater& updater;
     // The texts of the information dictionary under "SUFeedURL" and "SUPublicEDKey"; nothing where there is no text.
     std::optional<std::string> updaterFeed;

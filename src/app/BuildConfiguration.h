@@ -22,6 +22,7 @@ struct BuildConfiguration {
     std::vector<std::string> trustedHosts; // Hosts whose pages may use the bridge, lower case.
     std::vector<std::string> signInHosts; // Hosts that may be navigated to for signing in, lower case.
     std::string extensionStoreUrl; // The browser extension's page in its store.
+    std::string crashEndpoint {}; // Where crash reports go, as the bundle states it; empty for nowhere.
     std::optional<std::filesystem::path> extraCertificate; // PEM, accepted for the app URL's host; dev flavour only.
 };
 

@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "fakes/FakeAdministrator.h"
+#include "fakes/FakeCrashReporter.h"
 #include "fakes/FakeFileStore.h"
 #include "fakes/FakeFilterSystem.h"
 #include "fakes/FakeLocalSockets.h"
@@ -79,22 +80,24 @@ protected:
         .volumeIsReadOnly = {},
         .resolvedUserApplicationsURL = {} };
     FakeUpdater updater;
+    FakeCrashReporter crashReporter;
     AppDelegate delegate {
         AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, sockets, clock, log, defaults, lifecycle, window,
             statusItem, alerts, workspace, notifications, loginRecords, webView, placeholder, openPanel, services,
             filterSystem, files, [] { return std::filesystem::path("/shared"); }, SystemVersion {},
             [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
             [this](const std::string& text) { return parseUrl(text); }, "/Applications/Brevanta.app/Contents/Resources",
-            "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator, updater, updaterFeed,
-            std::string(43, 'A') + "=", loginItem, programs, [this] { return location; } },
+            "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator, crashReporter, "staging", updater,
+            updaterFeed, std::string(43, 'A') + "=", loginItem, programs, [this] { return location; } },
         BuildConfiguration { .version = "0.121.0",
-            .bundleIdentifier = {},
+            .bundleIdentifier = "com.example.Client",
             .root = "/",
             .socketPath = "/the/socket",
             .appUrl = "https://www.example.com/",
             .trustedHosts = { "www.example.com" },
             .signInHosts = {},
             .extensionStoreUrl = {},
+            .crashEndpoint = "https://key@crashes.example/7",
             .extraCertificate = std::nullopt }
     };
 };
@@ -110,6 +113,19 @@ TEST_F(AppDelegateTest, LaunchMakesARegularApplicationThatPollsAndShowsItsWindow
     EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(lifecycle.activations, 1);
     EXPECT_TRUE(hasLine("[Launch] seconds since console login=unknown → showsWindow=true"));
+}
+
+TEST_F(AppDelegateTest, CrashReportingStartsBeforeAllElse)
+{
+    urls["https://key@crashes.example/7"] = { .text = "https://key@crashes.example/7",
+        .scheme = "https",
+        .user = "key",
+        .host = "crashes.example",
+        .path = "/7" };
+    launch();
+    ASSERT_EQ(crashReporter.starts.size(), 1u);
+    EXPECT_EQ(crashReporter.starts.front().release, "com.example.Client@0.121.0");
+    EXPECT_EQ(log.lines.front(), "[CrashReporting] started (host=crashes.example, environment=staging)");
 }
 
 TEST_F(AppDelegateTest, RightAfterLoginTheWindowStaysHidden)

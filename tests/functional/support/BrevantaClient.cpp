@@ -118,6 +118,8 @@ std::vector<std::string> BrevantaClient::environment() const
     set("BREVANTA_TLS_CERT", m_options.certificatePath);
     set("BREVANTA_TRUSTED_HOSTS", m_options.trustedHosts);
     set("BREVANTA_SIGN_IN_HOSTS", m_options.signInHosts);
+    for (const auto& [name, value] : m_options.variables)
+        set(name, value);
     // Nothing that a test run could share with the user's own session or be slowed down by.
     set("NO_AT_BRIDGE", "1");
     set("GTK_A11Y", "none");

@@ -18,6 +18,7 @@ struct BrevantaClientOptions {
     std::string trustedHosts { "localhost" };
     std::string signInHosts {};
     std::filesystem::path bundleFolder { "Applications" }; // Below the development root: where the copy goes.
+    std::vector<std::pair<std::string, std::string>> variables {}; // Further ones of the client's environment.
 };
 
 // The client as a process, with a home, a runtime directory and a development root of its own.

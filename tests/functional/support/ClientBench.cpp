@@ -62,6 +62,7 @@ std::expected<void, std::string> ClientBench::startClient()
         .certificatePath = m_web.certificatePath(),
         .trustedHosts = m_options.trustedHosts,
         .signInHosts = m_options.signInHosts,
+        .variables = m_options.variables,
     });
     if (auto started = m_client->start(); !started)
         return started;

@@ -18,6 +18,7 @@ extern "C" CFTypeRef _Nullable CFBridgingRetain(id _Nullable object) __attribute
 // Documentation: NSObject (protocol); macOS 10.0.
 @protocol NSObject
 - (BOOL)isKindOfClass:(Class)aClass;
+@property (readonly, copy) NSString* description;
 @end
 
 // Documentation: NSCopying; macOS 10.0.
