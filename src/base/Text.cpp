@@ -29,6 +29,14 @@ std::string lowerCased(std::string_view text)
     return lower;
 }
 
+std::string commaSeparated(std::span<const std::string> names)
+{
+    std::string text;
+    for (const auto& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
 std::size_t codePointCount(std::string_view utf8)
 {
     return static_cast<std::size_t>(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,9 @@ namespace brevanta {
 
 // The text with its ASCII capitals in lower case, whatever the process's locale; other letters stay as they are.
 [[nodiscard]] std::string lowerCased(std::string_view text);
+
+// "gain, loss"; empty for no names.
+[[nodiscard]] std::string commaSeparated(std::span<const std::string> names);
 
 // How many Unicode code points the UTF-8 text has; each byte that starts none counts as nothing.
 [[nodiscard]] std::size_t codePointCount(std::string_view utf8);

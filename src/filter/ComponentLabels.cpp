@@ -36,6 +36,31 @@ struct ServiceLine {
     static ComponentLine restart() { return { "⚠ Restart Blocking Service…", ComponentAction::restartService }; }
 };
 
+// Whether a filter that is off is so because there is nothing that could be switched on.
+bool hasNothingToSwitchOn(const FilterHealth& health, const std::optional<FilterPreferences>& preferences, double now)
+{
+    switch (health.extensionState(now)) {
+    case FilterHealth::ExtensionState::absent:
+        return true;
+    case FilterHealth::ExtensionState::active:
+        return preferences && !preferences->isConfigured;
+    case FilterHealth::ExtensionState::awaitingApproval:
+    case FilterHealth::ExtensionState::unknown:
+        break;
+    }
+    return false;
+}
+
+}
+
+FilterLineFacts filterLineFacts(
+    const FilterHealth& health, const std::optional<FilterPreferences>& preferences, double now)
+{
+    const auto status = health.status(now);
+    // Whether it is our request that waits or one of an earlier run: the user has to do the same.
+    return { .status = status,
+        .needsInstall = status == FilterStatus::off && hasNothingToSwitchOn(health, preferences, now),
+        .approvalRequested = status == FilterStatus::awaitingApproval };
 }
 
 ComponentLine filterLine(const FilterLineFacts& facts)

@@ -14,6 +14,10 @@ struct FilterLineFacts {
     bool approvalRequested { false }; // We asked for the filter, and the user has yet to allow it.
 };
 
+// `preferences` are the last that were read.
+[[nodiscard]] FilterLineFacts filterLineFacts(
+    const FilterHealth& health, const std::optional<FilterPreferences>& preferences, double now);
+
 [[nodiscard]] ComponentLine filterLine(const FilterLineFacts& facts);
 
 enum class InstallProgress { idle, inFlight };

@@ -40,6 +40,13 @@ DaemonHealth::State failed(const DaemonHealth& health, const DaemonHealth::Failu
 
 }
 
+DaemonHealth::PollFailure DaemonHealth::kindOf(const DaemonFailure& failure)
+{
+    const auto* const error = std::get_if<DaemonError>(&failure);
+    return error && error->kind == DaemonError::Kind::connectionFailed ? PollFailure::notListening
+                                                                       : PollFailure::badReply;
+}
+
 void DaemonHealth::recordSuccess(const std::optional<std::string>& version, double requestStartedAt)
 {
     if (!lastEvent || startOf(*lastEvent) <= requestStartedAt)

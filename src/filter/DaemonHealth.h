@@ -1,5 +1,6 @@
 #pragma once
 
+#include "daemon/DaemonFailure.h"
 #include "install/DaemonUpgradePolicy.h"
 #include "platform/ServiceManager.h"
 
@@ -16,6 +17,9 @@ struct DaemonHealth {
         notListening, // Nothing accepted the connection.
         badReply, // Something did, but its answer was of no use.
     };
+
+    // What a status request that failed so says of the service.
+    [[nodiscard]] static PollFailure kindOf(const DaemonFailure& failure);
 
     struct Success {
         double requestStartedAt;

@@ -12,19 +12,6 @@ std::string keyOf(ProtectiveComponent component)
     return "pf.lastConclusive." + std::string(componentName(component));
 }
 
-const char* textOf(ConclusiveState state) { return state == ConclusiveState::on ? "on" : "off"; }
-
-std::optional<ConclusiveState> storedState(const UserDefaults& defaults, ProtectiveComponent component)
-{
-    const auto stored = defaults.get(keyOf(component));
-    const auto* const text = stored ? std::get_if<std::string>(&*stored) : nullptr;
-    for (const auto state : { ConclusiveState::on, ConclusiveState::off }) {
-        if (text && *text == textOf(state))
-            return state;
-    }
-    return std::nullopt;
-}
-
 bool isOurDoing(const DaemonHealth& service, bool upgradeHeld, double now)
 {
     return upgradeHeld || service.installInFlight || service.isInGrace(now);
@@ -55,6 +42,19 @@ std::string_view componentName(ProtectiveComponent component)
     return component == ProtectiveComponent::blockingService ? "blockingService" : "contentFilter";
 }
 
+std::string_view stateName(ConclusiveState state) { return state == ConclusiveState::on ? "on" : "off"; }
+
+std::optional<ConclusiveState> lastConclusive(const UserDefaults& defaults, ProtectiveComponent component)
+{
+    const auto stored = defaults.get(keyOf(component));
+    const auto* const text = stored ? std::get_if<std::string>(&*stored) : nullptr;
+    for (const auto state : { ConclusiveState::on, ConclusiveState::off }) {
+        if (text && *text == stateName(state))
+            return state;
+    }
+    return std::nullopt;
+}
+
 ConclusiveReading conclusiveReading(const DaemonHealth& health, bool upgradeHeld, double now)
 {
     return { .state = conclusiveState(health.state(now)), .selfCaused = isOurDoing(health, upgradeHeld, now) };
@@ -81,10 +81,10 @@ OffNoticeTracker::OffNoticeTracker(
 
 void OffNoticeTracker::update(ProtectiveComponent component, const ConclusiveReading& reading)
 {
-    const auto before = storedState(m_defaults, component);
+    const auto before = lastConclusive(m_defaults, component);
     if (!reading.state || reading.state == before)
         return;
-    m_defaults.set(keyOf(component), std::string(textOf(*reading.state)));
+    m_defaults.set(keyOf(component), std::string(stateName(*reading.state)));
     const auto generation = ++m_generations[component];
     // What was never seen on may have been off all along.
     if (before != ConclusiveState::on || reading.selfCaused)

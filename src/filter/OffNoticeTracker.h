@@ -22,6 +22,13 @@ enum class ProtectiveComponent { blockingService, contentFilter };
 
 enum class ConclusiveState { on, off };
 
+// "on" or "off".
+[[nodiscard]] std::string_view stateName(ConclusiveState state);
+
+// What was last known for certain of a component, also in an earlier run; nothing when there is no such thing.
+[[nodiscard]] std::optional<ConclusiveState> lastConclusive(
+    const UserDefaults& defaults, ProtectiveComponent component);
+
 // What is known for certain of a component, and whether we brought it about ourselves.
 struct ConclusiveReading {
     std::optional<ConclusiveState> state; // Nothing: not conclusive.

@@ -1,7 +1,7 @@
 #include "nativehost/NativeMessagingRegistration.h"
 
 #include "base/Executor.h"
-#include "platform/FileStore.h"
+#include "base/Text.h"
 #include "platform/SystemLog.h"
 
 #include <expected>
@@ -13,18 +13,10 @@ namespace {
 
 using namespace NativeMessagingPolicy;
 
-bool isInPlace(
-    const FileStore& files, const std::filesystem::path& path, const std::string& contents, FilePermissions permissions)
-{
-    const auto stamp = files.stamp(path);
-    return stamp && stamp->size == contents.size() && files.permissions(path) == permissions
-        && files.read(path) == contents;
-}
-
 std::expected<void, FileStoreError> put(
     FileStore& files, const std::filesystem::path& path, const std::string& contents, FilePermissions permissions)
 {
-    if (isInPlace(files, path, contents, permissions))
+    if (placementOf(files, path, contents, permissions) == FilePlacement::inPlace)
         return {};
     if (const auto made = files.createFolder(path.parent_path()); !made)
         return made;
@@ -33,12 +25,9 @@ std::expected<void, FileStoreError> put(
     return {};
 }
 
-std::string commaSeparated(const std::vector<std::string>& names)
+std::string launcherTextFor(const NativeMessagingFacts& facts)
 {
-    std::string text;
-    for (const auto& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
+    return launcherText(launcherFor(facts.root, facts.bundle, facts.mode));
 }
 
 // The names of the browsers that have a manifest now.
@@ -62,7 +51,7 @@ std::vector<std::string> putManifests(FileStore& files, SystemLog& log, const Na
 void carryOut(FileStore& files, SystemLog& log, const NativeMessagingFacts& facts)
 {
     const auto file = launcherFile(facts.root);
-    const auto text = launcherText(launcherFor(facts.root, facts.bundle, facts.mode));
+    const auto text = launcherTextFor(facts);
     if (const auto launcher = put(files, file, text, FilePermissions::executableByAll); !launcher) {
         log.log("[NativeMessaging] cannot write " + file.string() + ": " + launcher.error().message);
         log.log("[NativeMessaging] could not write the native-messaging launcher; no manifest written");
@@ -84,6 +73,21 @@ void registerNativeMessagingHost(Executor& queue, FileStore& files, SystemLog& l
     if (facts.place == NativeMessagingFacts::Place::ineligible)
         return log.log("[NativeMessaging] refused registration from an ineligible app bundle");
     queue.post([&files, &log, facts = std::move(facts)] { carryOut(files, log, facts); });
+}
+
+NativeMessagingState inspectNativeMessaging(const FileStore& files, const NativeMessagingFacts& facts)
+{
+    NativeMessagingState state { .launcherFile = launcherFile(facts.root), .manifests = {} };
+    state.launcher = placementOf(files, state.launcherFile, launcherTextFor(facts), FilePermissions::executableByAll);
+    const auto manifest = manifestText(state.launcherFile);
+    for (const auto& browser : browsers) {
+        auto file = manifestFile(browser, facts.home);
+        const auto placement = files.isFolder(browserFolder(browser, facts.home))
+            ? std::optional(placementOf(files, file, manifest, FilePermissions::readableByAll))
+            : std::nullopt;
+        state.manifests.push_back({ .browser = browser.name, .file = std::move(file), .placement = placement });
+    }
+    return state;
 }
 
 }

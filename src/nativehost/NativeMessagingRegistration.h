@@ -1,16 +1,17 @@
 #pragma once
 
 #include "nativehost/NativeMessagingPolicy.h"
+#include "platform/FileStore.h"
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace brevanta {
 
 class Executor;
-class FileStore;
 class SystemLog;
 
 // What a registration goes by. All paths are absolute.
@@ -34,5 +35,24 @@ struct NativeMessagingFacts {
 // manifests; from an ineligible place nothing is written. Any thread; returns at once, the queue does the work. Files
 // and log must outlive that.
 void registerNativeMessagingHost(Executor& queue, FileStore& files, SystemLog& log, NativeMessagingFacts facts);
+
+struct NativeMessagingState {
+    struct Manifest {
+        std::string_view browser; // Its name.
+        std::filesystem::path file;
+        std::optional<FilePlacement> placement; // Nothing where this browser has not been used, and needs none.
+
+        bool operator==(const Manifest&) const = default;
+    };
+
+    std::filesystem::path launcherFile;
+    FilePlacement launcher { FilePlacement::missing };
+    std::vector<Manifest> manifests;
+
+    bool operator==(const NativeMessagingState&) const = default;
+};
+
+// How a registration with these facts would find everything; nothing is written. Any thread; reads six small files.
+[[nodiscard]] NativeMessagingState inspectNativeMessaging(const FileStore& files, const NativeMessagingFacts& facts);
 
 }

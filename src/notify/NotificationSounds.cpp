@@ -1,7 +1,7 @@
 #include "notify/NotificationSounds.h"
 
+#include "base/Text.h"
 #include "notify/NotificationSoundGesture.h"
-#include "platform/FileStore.h"
 #include "platform/SystemLog.h"
 
 #include <string>
@@ -15,6 +15,8 @@ struct Sound {
     std::string name;
     std::string contents;
 };
+
+std::filesystem::path soundFolder(const std::filesystem::path& home) { return home / "Library" / "Sounds"; }
 
 std::vector<Sound> bundledSounds(const FileStore& files, SystemLog& log, const std::filesystem::path& resources)
 {
@@ -30,13 +32,6 @@ std::vector<Sound> bundledSounds(const FileStore& files, SystemLog& log, const s
             log.log("[NotificationSounds] cannot read bundled " + name + ": " + contents.error().message);
     }
     return sounds;
-}
-
-bool isInstalled(const FileStore& files, const std::filesystem::path& path, const std::string& contents)
-{
-    // The size differs more often than not where the contents do, and costs no reading.
-    const auto stamp = files.stamp(path);
-    return stamp && stamp->size == contents.size() && files.read(path) == contents;
 }
 
 // The names of those that could be written.
@@ -58,23 +53,30 @@ std::vector<std::string> write(
     return written;
 }
 
-std::string commaSeparated(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const auto& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
 }
 
+std::vector<SoundState> inspectNotificationSounds(
+    const FileStore& files, const std::filesystem::path& resources, const std::filesystem::path& home)
+{
+    std::vector<SoundState> states;
+    for (const auto gesture : notificationSoundGestures) {
+        auto name = soundFileName(gesture);
+        const auto bundled = files.read(resources / name);
+        const auto placement
+            = bundled ? placementOf(files, soundFolder(home) / name, *bundled) : FilePlacement::missing;
+        states.push_back({ .name = std::move(name), .isBundled = bundled.has_value(), .placement = placement });
+    }
+    return states;
 }
 
 void installNotificationSounds(
     FileStore& files, SystemLog& log, const std::filesystem::path& resources, const std::filesystem::path& home)
 {
-    const auto folder = home / "Library" / "Sounds";
+    const auto folder = soundFolder(home);
     auto sounds = bundledSounds(files, log, resources);
-    const auto kept = std::erase_if(
-        sounds, [&](const Sound& sound) { return isInstalled(files, folder / sound.name, sound.contents); });
+    const auto kept = std::erase_if(sounds, [&](const Sound& sound) {
+        return placementOf(files, folder / sound.name, sound.contents) == FilePlacement::inPlace;
+    });
     const auto written = sounds.empty() ? std::vector<std::string>() : write(files, log, folder, sounds);
 
     if (written.empty() && !sounds.empty())

@@ -70,4 +70,24 @@ public:
     [[nodiscard]] virtual std::optional<FilePermissions> permissions(const std::filesystem::path& path) const = 0;
 };
 
+// How a file is that should hold certain bytes.
+enum class FilePlacement {
+    inPlace,
+    missing, // There is none, or it cannot be looked at.
+    different, // It holds something else, or others may use it than should.
+};
+
+// Whether the file holds exactly `contents` and, where they are given, has these permissions. Only a file of the right
+// size is read.
+[[nodiscard]] inline FilePlacement placementOf(const FileStore& files, const std::filesystem::path& path,
+    std::string_view contents, std::optional<FilePermissions> permissions = std::nullopt)
+{
+    const auto stamp = files.stamp(path);
+    if (!stamp)
+        return FilePlacement::missing;
+    const bool matches = stamp->size == contents.size() && (!permissions || files.permissions(path) == permissions)
+        && files.read(path) == contents;
+    return matches ? FilePlacement::inPlace : FilePlacement::different;
+}
+
 }

@@ -15,17 +15,6 @@
 
 namespace brevanta {
 
-namespace {
-
-DaemonHealth::PollFailure kindOf(const DaemonFailure& failure)
-{
-    const auto* const error = std::get_if<DaemonError>(&failure);
-    return error && error->kind == DaemonError::Kind::connectionFailed ? DaemonHealth::PollFailure::notListening
-                                                                       : DaemonHealth::PollFailure::badReply;
-}
-
-}
-
 ComponentMonitor::ComponentMonitor(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
     , m_offNotices(m_dependencies.defaults, m_dependencies.log,
@@ -57,7 +46,8 @@ void ComponentMonitor::pollSucceeded(const BlockingStatus& status, double reques
 
 void ComponentMonitor::pollFailed(const DaemonFailure& failure, double requestStartedAt)
 {
-    m_service.recordFailure(kindOf(failure), m_dependencies.services.isProgramInstalled(), requestStartedAt);
+    m_service.recordFailure(
+        DaemonHealth::kindOf(failure), m_dependencies.services.isProgramInstalled(), requestStartedAt);
     const double now = m_dependencies.clock.continuousSeconds();
     if (!m_serviceCheckedAt || now - *m_serviceCheckedAt >= serviceCheckInterval)
         checkService();
@@ -81,11 +71,8 @@ ComponentLine ComponentMonitor::serviceLine() const
 
 ComponentLine ComponentMonitor::filterLine() const
 {
-    const auto status = filterStatus();
-    // Whether it is our request that waits or one of an earlier run: the user has to do the same.
-    return brevanta::filterLine({ .status = status,
-        .needsInstall = status == FilterStatus::off && needsFilterInstall(),
-        .approvalRequested = status == FilterStatus::awaitingApproval });
+    return brevanta::filterLine(
+        filterLineFacts(filterHealth(), m_preferences, m_dependencies.clock.continuousSeconds()));
 }
 
 DaemonHealth::State ComponentMonitor::serviceState() const
@@ -196,22 +183,6 @@ void ComponentMonitor::logUpgradeDecision()
         return;
     m_loggedDecision = decision;
     m_dependencies.log.log(DaemonUpgradePolicy::describe(*decision));
-}
-
-// Whether a filter that is off is so because there is nothing that could be switched on.
-bool ComponentMonitor::needsFilterInstall() const
-{
-    const double now = m_dependencies.clock.continuousSeconds();
-    switch (m_storedFilter.extensionState(now)) {
-    case FilterHealth::ExtensionState::absent:
-        return true;
-    case FilterHealth::ExtensionState::active:
-        return m_preferences && !m_preferences->isConfigured;
-    case FilterHealth::ExtensionState::awaitingApproval:
-    case FilterHealth::ExtensionState::unknown:
-        break;
-    }
-    return false;
 }
 
 }

@@ -88,7 +88,6 @@ private:
 
     void checkService();
     void logUpgradeDecision();
-    [[nodiscard]] bool needsFilterInstall() const;
 
     Dependencies m_dependencies;
     DaemonHealth m_service;
