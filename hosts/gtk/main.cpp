@@ -4,10 +4,12 @@
 #include "gtk/AdministratorGtk.h"
 #include "gtk/AlertPanelGtk.h"
 #include "gtk/ApplicationLifecycleGtk.h"
+#include "gtk/BundleFactsGtk.h"
 #include "gtk/ClockGtk.h"
 #include "gtk/ConfinedBrowsers.h"
 #include "gtk/CrashReporterGtk.h"
 #include "gtk/DesktopSession.h"
+#include "gtk/DiagnosisGtk.h"
 #include "gtk/FilterSystemGtk.h"
 #include "gtk/LoginItemGtk.h"
 #include "gtk/MainLoopGtk.h"
@@ -15,7 +17,6 @@
 #include "gtk/NotificationCenterGtk.h"
 #include "gtk/OpenPanelGtk.h"
 #include "gtk/PlaceholderGtk.h"
-#include "gtk/PropertyListGtk.h"
 #include "gtk/ServiceManagerGtk.h"
 #include "gtk/SoundPlayerGtk.h"
 #include "gtk/StatusItemGtk.h"
@@ -24,7 +25,6 @@
 #include "gtk/UserDefaultsGtk.h"
 #include "gtk/WebViewGtk.h"
 #include "gtk/WorkspaceGtk.h"
-#include "posix/AppLocation.h"
 #include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
@@ -43,31 +43,6 @@ using namespace brevanta;
 namespace {
 
 constexpr int badArguments = 2;
-
-std::optional<std::string> readEnvironment(const char* name)
-{
-    const char* const value = std::getenv(name);
-    return value ? std::optional<std::string>(value) : std::nullopt;
-}
-
-std::filesystem::path executablePath()
-{
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error); // proc(5)
-}
-
-// The user's own folder, or what stands for it below the development root.
-std::filesystem::path homeFolder(const BuildConfiguration& configuration)
-{
-    return configuration.root == "/" ? std::filesystem::path(g_get_home_dir())
-                                     : configuration.root / "Users" / g_get_user_name();
-}
-
-// Where the Mac keeps a user's preferences.
-std::filesystem::path preferencesFile(const BuildConfiguration& configuration)
-{
-    return homeFolder(configuration) / "Library/Preferences" / (configuration.bundleIdentifier + ".json");
-}
 
 // `contents` is the bundle's folder of that name.
 WebEngineOptions webEngineOptions(const BuildConfiguration& configuration, const std::filesystem::path& contents)
@@ -108,34 +83,6 @@ DesktopIdentity desktopIdentity(const BuildConfiguration& configuration, const s
         .desktopEntry = configuration.bundleIdentifier };
 }
 
-// As the Mac's own file states it; a root without one is as new as can be.
-SystemVersion systemVersion(const BuildConfiguration& configuration)
-{
-    const auto facts = readPropertyList(configuration.root / "System/Library/CoreServices/SystemVersion.plist");
-    const auto version = facts ? facts->find("ProductVersion") : PropertyListTexts::const_iterator {};
-    SystemVersion parsed { .major = 15, .minor = 0, .patch = 0 };
-    if (facts && version != facts->end())
-        std::sscanf(version->second.c_str(), "%d.%d.%d", &parsed.major, &parsed.minor, &parsed.patch);
-    return parsed;
-}
-
-// What the bundle says of itself; empty when it does not.
-std::string bundleText(const std::filesystem::path& contents, std::string_view key)
-{
-    const auto facts = readPropertyList(contents / "Info.plist");
-    const auto value = facts ? facts->find(key) : PropertyListTexts::const_iterator {};
-    return facts && value != facts->end() ? value->second : std::string();
-}
-
-// The group's container, which the Mac makes for its members.
-std::optional<std::filesystem::path> sharedContainer(const std::filesystem::path& home)
-{
-    auto container = home / "Library/Group Containers/group.com.brevanta.shared";
-    std::error_code error;
-    std::filesystem::create_directories(container, error);
-    return error ? std::nullopt : std::optional(std::move(container));
-}
-
 // On a Mac it is always there. Without it nobody could tell whether the service's property list is.
 void makeLaunchDaemonsFolder(const BuildConfiguration& configuration)
 {
@@ -148,21 +95,6 @@ std::string newUuid()
 {
     const GLibPtr<char> uuid(g_uuid_string_random());
     return uuid.get();
-}
-
-// As the user's locale settings give them, the preferred one first.
-std::vector<std::string> systemLanguages()
-{
-    std::vector<std::string> languages;
-    for (const char* const* name = g_get_language_names(); *name; ++name)
-        languages.emplace_back(*name);
-    return languages;
-}
-
-std::optional<std::string> textIn(const PropertyListTexts& texts, std::string_view key)
-{
-    const auto found = texts.find(key);
-    return found != texts.end() ? std::optional(found->second) : std::nullopt;
 }
 
 // How the application has run, and what is to follow.
@@ -178,7 +110,7 @@ struct Run {
 Run runApplication(
     const BuildConfiguration& configuration, const DesktopSession& session, const std::vector<std::string>& links)
 {
-    const auto contents = executablePath().parent_path().parent_path();
+    const auto contents = bundleContents();
     const auto resources = contents / "Resources";
     const auto log = newLog(configuration.flavour);
     makeLaunchDaemonsFolder(configuration);
@@ -214,14 +146,10 @@ Run runApplication(
             next = Run::Next::relaunch;
             lifecycle.terminate();
         } });
-    const auto information = readPropertyList(contents / "Info.plist").value_or(PropertyListTexts());
     FileStorePosix files;
     const auto home = homeFolder(configuration);
-    LoginItemGtk loginItem(mainLoop, home / ".config/autostart",
+    LoginItemGtk loginItem(mainLoop, autostartFolder(configuration),
         { .name = identity.name, .identifier = configuration.bundleIdentifier, .executable = executablePath() });
-    const auto location = [bundle = contents.parent_path(), root = configuration.root, home] {
-        return appLocation(bundle, root / "Applications", home / "Applications");
-    };
     SerialQueue programQueue(queueThread("com.brevanta.programs"));
     ProgramRunnerPosix programs(mainLoop, programQueue);
     CrashReporterGtk crashReporter(files, crashRecord(configuration));
@@ -260,13 +188,13 @@ Run runApplication(
                              .bundle = contents.parent_path(),
                              .administrator = administrator,
                              .crashReporter = crashReporter,
-                             .crashEnvironment = readEnvironment("SENTRY_ENVIRONMENT").value_or(""),
+                             .crashEnvironment = environmentVariable("SENTRY_ENVIRONMENT").value_or(""),
                              .updater = updater,
-                             .updaterFeed = textIn(information, "SUFeedURL"),
-                             .updaterKey = textIn(information, "SUPublicEDKey"),
+                             .updaterFeed = textInBundle("SUFeedURL"),
+                             .updaterKey = textInBundle("SUPublicEDKey"),
                              .loginItem = loginItem,
                              .programs = programs,
-                             .location = location,
+                             .location = [&configuration] { return location(configuration); },
                              .confinedBrowsers = [] { return confinedBrowsers(g_get_home_dir()); } },
         configuration);
     const int exitStatus = lifecycle.run(delegate, links);
@@ -305,8 +233,7 @@ int main(int argc, char** argv)
         std::cerr << "Brevanta: unknown argument \"" << request.error().argument << "\" (see --help)\n";
         return badArguments;
     }
-    auto configuration = buildConfiguration(readEnvironment, executablePath());
-    configuration.crashEndpoint = bundleText(executablePath().parent_path().parent_path(), "BrevantaCrashEndpoint");
+    const auto configuration = configurationOfBundle();
     switch (request->action) {
     case ProgramAction::showHelp:
         std::cout << programUsage();
@@ -314,6 +241,8 @@ int main(int argc, char** argv)
     case ProgramAction::showVersion:
         std::cout << "Brevanta " << configuration.version << '\n';
         return EXIT_SUCCESS;
+    case ProgramAction::diagnose:
+        return runDiagnosis(configuration, request->format);
     case ProgramAction::run:
         break;
     }

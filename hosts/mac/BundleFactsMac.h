@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/AppLocationPolicy.h"
 #include "app/BuildConfiguration.h"
 
 #import <Foundation/Foundation.h>
@@ -17,5 +18,10 @@ BuildConfiguration configurationOfMainBundle();
 // The text under this key of the bundle's information dictionary; nothing where there is none, or another kind of
 // value.
 std::optional<std::string> textInMainBundle(NSString* _Nonnull key);
+
+// Where the bundle is now.
+AppLocationPolicy::Context locationOfMainBundle();
+
+std::optional<std::string> environmentVariable(const char* _Nonnull name);
 
 }

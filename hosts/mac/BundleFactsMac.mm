@@ -1,19 +1,16 @@
 #include "mac/BundleFactsMac.h"
 
 #include "mac/TextMac.h"
+#include "posix/AppLocation.h"
 
 #include <cstdlib>
 
 namespace brevanta {
 
-namespace {
-
-std::optional<std::string> environmentVariable(const char* name)
+std::optional<std::string> environmentVariable(const char* _Nonnull name)
 {
     const char* const value = std::getenv(name);
     return value ? std::optional<std::string>(value) : std::nullopt;
-}
-
 }
 
 std::optional<std::string> textInMainBundle(NSString* _Nonnull key)
@@ -30,8 +27,14 @@ BuildConfiguration configurationOfMainBundle()
         configuration.version = *std::move(version);
     if (auto identifier = utf8FromString(NSBundle.mainBundle.bundleIdentifier); !identifier.empty())
         configuration.bundleIdentifier = std::move(identifier);
-    configuration.crashEndpoint = textFor(@"BrevantaCrashEndpoint");
+    configuration.crashEndpoint = textInMainBundle(@"BrevantaCrashEndpoint").value_or("");
     return configuration;
+}
+
+AppLocationPolicy::Context locationOfMainBundle()
+{
+    return appLocation(utf8FromString(NSBundle.mainBundle.bundlePath), "/Applications",
+        utf8FromString(NSHomeDirectory()) + "/Applications");
 }
 
 }

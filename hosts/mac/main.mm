@@ -7,6 +7,7 @@
 #include "mac/BundleFactsMac.h"
 #include "mac/ClockMac.h"
 #include "mac/CrashReporterMac.h"
+#include "mac/DiagnosisMac.h"
 #include "mac/FilterSystemMac.h"
 #include "mac/LoginItemMac.h"
 #include "mac/MainLoopMac.h"
@@ -24,7 +25,6 @@
 #include "mac/UserDefaultsMac.h"
 #include "mac/WebViewMac.h"
 #include "mac/WorkspaceMac.h"
-#include "posix/AppLocation.h"
 #include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
 #include "posix/LoginRecordsPosix.h"
@@ -44,21 +44,25 @@ namespace {
 // The user-accounting line of the session at the Mac's own screen: utmpx(5).
 bool isConsoleLine(std::string_view line) { return line == "console"; }
 
-// True when the command line asked a question only. Arguments that are unknown here are left alone: the system passes
-// some of its own to applications.
-bool answersOnTheCommandLine(std::span<const char* const> arguments, const BuildConfiguration& configuration)
+// The exit status when the command line asked a question only. Arguments that are unknown here are left alone: the
+// system passes some of its own to applications.
+std::optional<int> answerOnTheCommandLine(
+    std::span<const char* const> arguments, const BuildConfiguration& configuration)
 {
-    switch (parseProgramArguments(arguments).value_or(ProgramRequest {}).action) {
+    const auto request = parseProgramArguments(arguments).value_or(ProgramRequest {});
+    switch (request.action) {
     case ProgramAction::run:
-        return false;
+        break;
     case ProgramAction::showHelp:
         std::cout << programUsage();
-        return true;
+        return EXIT_SUCCESS;
     case ProgramAction::showVersion:
         std::cout << "Brevanta " << configuration.version << '\n';
-        return true;
+        return EXIT_SUCCESS;
+    case ProgramAction::diagnose:
+        return runDiagnosis(configuration, request.format);
     }
-    return false;
+    return std::nullopt;
 }
 
 std::string newUuid() { return utf8FromString([NSUUID UUID].UUIDString.lowercaseString); }
@@ -86,18 +90,6 @@ std::optional<std::filesystem::path> sharedContainer()
             containerURLForSecurityApplicationGroupIdentifier:@"group.com.brevanta.shared"];
         return container ? std::optional<std::filesystem::path>(utf8FromString(container.path)) : std::nullopt;
     }
-}
-
-AppLocationPolicy::Context location()
-{
-    return appLocation(utf8FromString(NSBundle.mainBundle.bundlePath), "/Applications",
-        utf8FromString(NSHomeDirectory()) + "/Applications");
-}
-
-std::string environmentVariable(const char* name)
-{
-    const char* const value = std::getenv(name);
-    return value ? value : std::string();
 }
 
 // In the order of the system's settings.
@@ -175,13 +167,13 @@ void runApplication(const BuildConfiguration& configuration)
             .bundle = utf8FromString(NSBundle.mainBundle.bundlePath),
             .administrator = administrator,
             .crashReporter = crashReporter,
-            .crashEnvironment = environmentVariable("SENTRY_ENVIRONMENT"),
+            .crashEnvironment = environmentVariable("SENTRY_ENVIRONMENT").value_or(""),
             .updater = updater,
             .updaterFeed = textInMainBundle(@"SUFeedURL"),
             .updaterKey = textInMainBundle(@"SUPublicEDKey"),
             .loginItem = loginItem,
             .programs = programs,
-            .location = location,
+            .location = locationOfMainBundle,
         },
         configuration);
     lifecycle.run(delegate);
@@ -194,8 +186,9 @@ int main(int argumentCount, const char* arguments[])
     @autoreleasepool {
         const BuildConfiguration configuration = configurationOfMainBundle();
         const std::span allArguments(arguments, static_cast<std::size_t>(argumentCount));
-        if (answersOnTheCommandLine(allArguments.subspan(allArguments.empty() ? 0 : 1), configuration))
-            return EXIT_SUCCESS;
+        if (const auto answer
+            = answerOnTheCommandLine(allArguments.subspan(allArguments.empty() ? 0 : 1), configuration))
+            return *answer;
         ignoreBrokenPipeSignal();
         runApplication(configuration);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "diagnosis/DiagnosisFormat.h"
+
 #include <expected>
 #include <span>
 #include <string>
@@ -8,7 +10,7 @@
 
 namespace brevanta {
 
-enum class ProgramAction { run, showHelp, showVersion };
+enum class ProgramAction { run, showHelp, showVersion, diagnose };
 
 struct UnknownArgument {
     std::string argument;
@@ -18,6 +20,7 @@ struct UnknownArgument {
 
 struct ProgramRequest {
     ProgramAction action { ProgramAction::run };
+    DiagnosisFormat format { DiagnosisFormat::text }; // Of `diagnose`.
     std::vector<std::string> links; // In their order, as they were written; they need not be well-formed.
 
     bool operator==(const ProgramRequest&) const = default;
@@ -27,8 +30,9 @@ struct ProgramRequest {
 // section 3.1).
 [[nodiscard]] bool isLink(std::string_view text);
 
-// What the command line asks for; `arguments` is without the program's name. The first argument that asks for help or
-// the version decides, unless an unknown one stands anywhere.
+// What the command line asks for; `arguments` is without the program's name. The first argument that asks for help, the
+// version or a diagnosis decides, unless an unknown one stands anywhere; "--json" is unknown where no diagnosis is
+// asked for.
 [[nodiscard]] std::expected<ProgramRequest, UnknownArgument> parseProgramArguments(
     std::span<const char* const> arguments);
 

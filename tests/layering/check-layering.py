@@ -26,6 +26,7 @@ LADDER = [
     ["web"],
     ["menubar"],
     ["app"],
+    ["diagnosis"],
 ]
 RUNG = {module: rung for rung, modules in enumerate(LADDER) for module in modules}
 

@@ -81,6 +81,11 @@ std::expected<void, std::string> BrevantaClient::installBrowser() const
     return defaults ? std::expected<void, std::string>() : std::unexpected("no browser could be installed");
 }
 
+std::filesystem::path BrevantaClient::soundConfiguration() const { return m_directory.path() / "asound.conf"; }
+
+// A card that plays into the void, as the sound library of a machine without any would fill the log with complaints.
+void BrevantaClient::installSoundCard() const { std::ofstream(soundConfiguration()) << "pcm.!default { type null }\n"; }
+
 // The desktop entry that was built with the bundle, for the copy of the bundle. A client in no bundle has none.
 std::expected<void, std::string> BrevantaClient::installDesktopEntry() const
 {
@@ -99,7 +104,7 @@ std::expected<void, std::string> BrevantaClient::installDesktopEntry() const
     return {};
 }
 
-std::vector<std::string> BrevantaClient::environment() const
+std::vector<std::string> BrevantaClient::environment(Session session) const
 {
     auto environment = neutralEnvironment();
     const auto set = [&](const std::string& name, const std::string& value) {
@@ -124,10 +129,12 @@ std::vector<std::string> BrevantaClient::environment() const
     set("NO_AT_BRIDGE", "1");
     set("GTK_A11Y", "none");
     set("GSETTINGS_BACKEND", "memory");
+    set("ALSA_CONFIG_PATH", soundConfiguration().string());
     set("GIO_USE_VFS", "local");
     // Without an address GIO would look for a bus of the user's session, or start one.
-    set("DBUS_SESSION_BUS_ADDRESS", m_options.busAddress.empty() ? "disabled:" : m_options.busAddress);
-    if (!m_options.display.empty())
+    const bool hasBus = session == Session::desktop && !m_options.busAddress.empty();
+    set("DBUS_SESSION_BUS_ADDRESS", hasBus ? m_options.busAddress : "disabled:");
+    if (session == Session::desktop && !m_options.display.empty())
         set("DISPLAY", m_options.display);
     return environment;
 }
@@ -156,13 +163,37 @@ std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::openLi
     return ChildProcess::start({ .arguments = { "gio", "open", link }, .environment = environment() });
 }
 
+std::vector<std::string> BrevantaClient::commandLine(const std::vector<std::string>& arguments) const
+{
+    std::vector<std::string> line;
+    if (m_options.volume == BundleVolume::readOnly) {
+        const auto macOS = std::filesystem::path(m_executable).parent_path();
+        const auto bundle = macOS.parent_path().parent_path().string();
+        line = { "bwrap", "--dev-bind", "/", "/", "--ro-bind", bundle, bundle };
+    }
+    line.push_back(m_executable);
+    line.insert(line.end(), arguments.begin(), arguments.end());
+    return line;
+}
+
 std::expected<std::unique_ptr<ChildProcess>, std::string> BrevantaClient::startProcess(
     const std::vector<std::string>& arguments) const
 {
-    std::vector<std::string> commandLine { m_executable };
-    commandLine.insert(commandLine.end(), arguments.begin(), arguments.end());
     return ChildProcess::start(
-        { .arguments = std::move(commandLine), .environment = environment(), .errorFilePath = m_options.logPath });
+        { .arguments = commandLine(arguments), .environment = environment(), .errorFilePath = m_options.logPath });
+}
+
+std::optional<BrevantaClient::CommandLineAnswer> BrevantaClient::ask(
+    const std::vector<std::string>& arguments, Milliseconds within) const
+{
+    const auto process
+        = ChildProcess::start({ .arguments = commandLine(arguments), .environment = environment(Session::none) });
+    if (!process)
+        return std::nullopt;
+    const auto exitStatus = (*process)->awaitExit(within);
+    if (!exitStatus)
+        return std::nullopt;
+    return CommandLineAnswer { *exitStatus, (*process)->output().text(), (*process)->errors().text() };
 }
 
 std::expected<void, std::string> BrevantaClient::start()
@@ -171,6 +202,7 @@ std::expected<void, std::string> BrevantaClient::start()
     if (!executable)
         return std::unexpected(executable.error());
     m_executable = *executable;
+    installSoundCard();
     if (auto browser = installBrowser(); !browser)
         return browser;
     if (auto entry = installDesktopEntry(); !entry)
@@ -180,6 +212,7 @@ std::expected<void, std::string> BrevantaClient::start()
 
 std::expected<void, std::string> BrevantaClient::startAgain()
 {
+    m_earlierLogs += log();
     auto process = startProcess(m_options.arguments);
     if (!process)
         return std::unexpected("the client cannot be started: " + process.error());

@@ -6,6 +6,8 @@
 
 namespace brevanta::functional {
 
+enum class BundleVolume { writable, readOnly };
+
 struct BrevantaClientOptions {
     std::string executable {}; // Of the built bundle, which is copied into a development root of the client's own.
     std::string busAddress {}; // Empty for none.
@@ -18,6 +20,7 @@ struct BrevantaClientOptions {
     std::string trustedHosts { "localhost" };
     std::string signInHosts {};
     std::filesystem::path bundleFolder { "Applications" }; // Below the development root: where the copy goes.
+    BundleVolume volume { BundleVolume::writable }; // Read-only: the bundle as bwrap(1) mounts it for the client.
     std::vector<std::pair<std::string, std::string>> variables {}; // Further ones of the client's environment.
 };
 
@@ -32,6 +35,16 @@ public:
     // The same client once more, while the first runs or after it has ended, with the same directories.
     [[nodiscard]] std::expected<std::unique_ptr<ChildProcess>, std::string> startProcess(
         const std::vector<std::string>& arguments) const;
+
+    // What the client says on the command line of a login without a display and a bus, and its exit status; nothing
+    // when it does not end in time.
+    struct CommandLineAnswer {
+        int exitStatus;
+        std::string output;
+        std::string errors;
+    };
+    [[nodiscard]] std::optional<CommandLineAnswer> ask(
+        const std::vector<std::string>& arguments, Milliseconds within) const;
 
     // What the desktop does with a link: opens it with the application whose desktop entry takes its scheme.
     [[nodiscard]] std::expected<std::unique_ptr<ChildProcess>, std::string> openLink(const std::string& link) const;
@@ -58,18 +71,25 @@ public:
     [[nodiscard]] bool killWebProcess(Milliseconds within);
     // What it has written to standard error; empty before it was started.
     [[nodiscard]] std::string log() const { return m_process ? m_process->errors().text() : std::string(); }
+    // The same of all starts, from the first on.
+    [[nodiscard]] std::string wholeLog() const { return m_earlierLogs + log(); }
 
 private:
     [[nodiscard]] std::optional<pid_t> webProcess() const;
     [[nodiscard]] std::expected<std::string, std::string> installBundle();
+    [[nodiscard]] std::vector<std::string> commandLine(const std::vector<std::string>& arguments) const;
+    [[nodiscard]] std::filesystem::path soundConfiguration() const;
+    void installSoundCard() const;
     [[nodiscard]] std::expected<void, std::string> installBrowser() const;
     [[nodiscard]] std::expected<void, std::string> installDesktopEntry() const;
-    [[nodiscard]] std::vector<std::string> environment() const;
+    enum class Session { desktop, none };
+    [[nodiscard]] std::vector<std::string> environment(Session session = Session::desktop) const;
 
     BrevantaClientOptions m_options;
     TemporaryDirectory m_directory;
     std::string m_executable;
     std::unique_ptr<ChildProcess> m_process;
+    std::string m_earlierLogs;
 };
 
 // Where the executables to be tested are: where this build put them, unless the environment names others

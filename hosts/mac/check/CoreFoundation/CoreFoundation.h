@@ -30,6 +30,8 @@ Boolean CFNumberIsFloatType(CFNumberRef number);
 // Documentation: CFRunLoop; macOS 10.0.
 extern const CFRunLoopMode kCFRunLoopCommonModes;
 CFRunLoopRef CFRunLoopGetMain(void); // macOS 10.5
+void CFRunLoopRun(void);
+void CFRunLoopStop(CFRunLoopRef loop);
 void CFRunLoopWakeUp(CFRunLoopRef loop);
 void CFRunLoopAddSource(
     CFRunLoopRef loop, CFRunLoopSourceRef _Null_unspecified source, CFRunLoopMode _Null_unspecified mode);

@@ -1,0 +1,72 @@
+#include "gtk/DiagnosisGtk.h"
+
+#include "base/SerialQueue.h"
+#include "diagnosis/DiagnosisRun.h"
+#include "diagnosis/DiagnosisText.h"
+#include "gtk/BundleFactsGtk.h"
+#include "gtk/ClockGtk.h"
+#include "gtk/ConfinedBrowsers.h"
+#include "gtk/FilterSystemGtk.h"
+#include "gtk/LoginItemGtk.h"
+#include "gtk/MainLoopGtk.h"
+#include "gtk/ServiceManagerGtk.h"
+#include "gtk/UrlGtk.h"
+#include "gtk/UserDefaultsGtk.h"
+#include "posix/FileStorePosix.h"
+#include "posix/LocalSocketPosix.h"
+#include "posix/StandardErrorLog.h"
+#include "posix/ThreadSignals.h"
+
+#include <cstdlib>
+#include <glibmm/main.h>
+#include <iostream>
+
+namespace brevanta {
+
+int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format)
+{
+    ignoreBrokenPipeSignal();
+    const auto contents = bundleContents();
+    const auto home = homeFolder(configuration);
+    StandardErrorLog log;
+    ClockGtk clock;
+    MainLoopGtk mainLoop;
+    UserDefaultsGtk defaults(preferencesFile(configuration), log);
+    LocalSocketPosix localSockets;
+    ServiceManagerGtk services(mainLoop, configuration.root);
+    FilterSystemGtk filterSystem(mainLoop, configuration.root, contents);
+    FileStorePosix files;
+    LoginItemGtk loginItem(mainLoop, autostartFolder(configuration),
+        { .name = "Brevanta", .identifier = configuration.bundleIdentifier, .executable = executablePath() });
+    SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
+    const auto loop = Glib::MainLoop::create();
+    int exitStatus = EXIT_FAILURE;
+    DiagnosisRun run({ .mainLoop = mainLoop,
+                         .daemonQueue = daemonQueue,
+                         .localSockets = localSockets,
+                         .clock = clock,
+                         .defaults = defaults,
+                         .services = services,
+                         .filterSystem = filterSystem,
+                         .files = files,
+                         .loginItem = loginItem,
+                         .parseUrl = parseUrl,
+                         .location = [&configuration] { return location(configuration); },
+                         .resources = contents / "Resources",
+                         .home = home,
+                         .bundle = contents.parent_path(),
+                         .updaterFeed = textInBundle("SUFeedURL"),
+                         .updaterKey = textInBundle("SUPublicEDKey"),
+                         .confinedBrowsers = [] { return confinedBrowsers(g_get_home_dir()); } },
+        configuration, [&](const DiagnosisFacts& facts, const std::vector<std::string>& secrets) {
+            const auto diagnosis = diagnose(facts);
+            std::cout << diagnosisOutput(diagnosis, { .home = facts.home, .secrets = secrets }, format) << std::flush;
+            exitStatus = std::cout && !diagnosis.needsUser() ? EXIT_SUCCESS : EXIT_FAILURE;
+            loop->quit();
+        });
+    run.start();
+    loop->run();
+    return exitStatus;
+}
+
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "app/BuildConfiguration.h"
+#include "diagnosis/DiagnosisFormat.h"
+
+namespace brevanta {
+
+// Looks at everything, writes what was found to standard output, and gives the process's exit status. The composition
+// root of a process that does nothing else: it needs neither a window server nor an application object.
+[[nodiscard]] int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format);
+
+}
