@@ -31,7 +31,8 @@ protected:
         ASSERT_TRUE(started) << started.error();
     }
 
-    void newClient(const fs::path& folder, const std::string& executable = clientExecutable())
+    void newClient(const fs::path& folder, const std::string& executable = clientExecutable(),
+        BundleVolume volume = BundleVolume::writable)
     {
         client = std::make_unique<BrevantaClient>(BrevantaClientOptions {
             .executable = executable,
@@ -40,6 +41,7 @@ protected:
             .socketPath = service.socketPath(),
             .appUrl = "https://localhost:1/",
             .bundleFolder = folder,
+            .volume = volume,
         });
     }
     void start()
@@ -132,6 +134,25 @@ TEST_F(LocationTest, inDownloadsTheClientSurvivesLinksAndFurtherStartsAndATermin
     }
     EXPECT_EQ(display->windowsTitled(alertTitle).size(), 1U);
     client->process().signal(SIGTERM);
+    expectEndWithoutATrace();
+}
+
+TEST_F(LocationTest, onADiskImageTheClientQuits)
+{
+    newClient("Volumes/Brevanta", clientExecutable(), BundleVolume::readOnly);
+    start();
+    ASSERT_TRUE(isRefused("readOnlyVolume"));
+    closeAlert();
+    expectEndWithoutATrace();
+}
+
+TEST_F(LocationTest, whereTheSystemHasTranslocatedItTheClientQuits)
+{
+    // On a Mac such a volume is read-only as well.
+    newClient("private/var/folders/x/AppTranslocation/y/d", clientExecutable(), BundleVolume::readOnly);
+    start();
+    ASSERT_TRUE(isRefused("translocated"));
+    closeAlert();
     expectEndWithoutATrace();
 }
 
