@@ -1,5 +1,9 @@
 #include "fakes/FakePorts.h"
 
+#include "support/LogHygiene.h"
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -7,12 +11,14 @@ namespace brevanta {
 
 void FakeSystemLog::log(std::string_view line)
 {
+    EXPECT_TRUE(beginsWithItsTag(line)) << line;
     const std::lock_guard lock(m_mutex);
     lines.emplace_back(line);
 }
 
 void FakeSystemLog::writeStandardError(std::string_view line)
 {
+    EXPECT_TRUE(isWatchdogLine(line)) << line;
     const std::lock_guard lock(m_mutex);
     standardError.emplace_back(line);
 }

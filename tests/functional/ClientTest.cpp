@@ -1,5 +1,7 @@
 #include "ClientTest.h"
 
+#include "support/LogHygiene.h"
+
 namespace brevanta::functional {
 
 ClientTest::ClientTest(ClientBenchOptions options)
@@ -19,6 +21,10 @@ void ClientTest::TearDown()
 {
     if (HasFailure() && m_bench.hasClient())
         std::cerr << "The client's log:\n" << m_bench.client().log();
+    // Whatever a test did: what the whole run has written is fit to be read by anybody.
+    if (m_bench.hasClient()) {
+        EXPECT_EQ(faultyLines(m_bench.client().wholeLog(), testTokens), std::vector<std::string>());
+    }
 }
 
 void ClientTest::tell(const std::string& command)

@@ -2,9 +2,15 @@
 
 #include "support/ClientBench.h"
 
+#include <array>
 #include <gtest/gtest.h>
+#include <string_view>
 
 namespace brevanta::functional {
+
+// The tokens that services and pages of the tests have. None of them may stand in a log.
+inline constexpr std::array<std::string_view, 6> testTokens { "stand-in-token", "tok-plain", "tok-bound", "tok-another",
+    "tok-of-nobody", "eyJ-a-token-that-nobody-may-read-7f3c" };
 
 // Gives each test a client of its own with all that is around it. A test that needs something else at the start
 // derives from it and hands its options to the constructor.

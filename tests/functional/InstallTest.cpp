@@ -190,7 +190,7 @@ TEST_F(InstallTest, theServiceIsRemovedAtThePagesRequest)
 
     commandService("removal finishing");
     ASSERT_TRUE(tellsRemoval("finishing"));
-    post("{ type: 'auth_token', token: 'a-token-of-nobody' }");
+    post("{ type: 'auth_token', token: 'tok-of-nobody' }");
     EXPECT_TRUE(logs("[KestreluneMac] auth_token bridge: removal finishing, token not forwarded"));
     ASSERT_TRUE(tellsRemoval("removed"));
     EXPECT_TRUE(showsLine(installService, slowly));

@@ -128,7 +128,7 @@ TEST_F(NoticesTest, aReplyThatComesAfterASignOutShowsNothing)
     tell("behave");
     EXPECT_EQ(countAfterPolls(), 0u) << bench().notifications().describe();
 
-    post("{ type: 'auth_token', token: 'another' }");
+    post("{ type: 'auth_token', token: 'tok-another' }");
     ASSERT_TRUE(service().command("await set_auth_token 1"));
     EXPECT_EQ(countAfterPolls(), 0u) << bench().notifications().describe();
     queue("reminder", reminder(3));
