@@ -1,17 +1,13 @@
 #include "ClientTest.h"
 
+#include "support/FileContents.h"
+
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 
 namespace brevanta::functional {
-
-static std::string contentsOf(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
 
 class CrashReportingTest : public ClientTest {
 protected:

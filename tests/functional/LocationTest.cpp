@@ -1,4 +1,5 @@
 #include "support/BrevantaClient.h"
+#include "support/FileContents.h"
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
 #include "support/VirtualDisplay.h"
@@ -88,11 +89,6 @@ protected:
 
     [[nodiscard]] static fs::path usersFolderInRoot() { return fs::path("Users") / g_get_user_name(); }
     [[nodiscard]] fs::path usersFolder() const { return client->root() / usersFolderInRoot(); }
-    [[nodiscard]] static std::string contentsOf(const fs::path& path)
-    {
-        std::ifstream file(path);
-        return { std::istreambuf_iterator<char>(file), {} };
-    }
     [[nodiscard]] std::string opened() const { return contentsOf(client->openedUrlsFile()); }
 
     StandInService service { serviceExecutable() };

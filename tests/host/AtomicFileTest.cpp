@@ -1,5 +1,6 @@
 #include "posix/AtomicFile.h"
 #include "functional/support/TemporaryDirectory.h"
+#include "support/FileContents.h"
 
 #include <cerrno>
 #include <csignal>
@@ -17,12 +18,6 @@ namespace brevanta {
 namespace {
 
 using Step = FileWriteError::Step;
-
-std::string contentsOf(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
 
 std::vector<std::string> namesIn(const std::filesystem::path& folder)
 {

@@ -1,5 +1,6 @@
 #include "functional/support/TemporaryDirectory.h"
 #include "install/InstallScript.h"
+#include "support/FileContents.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -12,12 +13,6 @@
 namespace brevanta {
 
 namespace {
-
-std::string contentsOf(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
 
 void write(const std::filesystem::path& path, const std::string& contents, int permissions = 0644)
 {

@@ -2,10 +2,10 @@
 #include "install/InstallScript.h"
 #include "nativehost/NativeMessagingPolicy.h"
 #include "posix/FileStorePosix.h"
+#include "support/FileContents.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <vector>
@@ -15,12 +15,6 @@ namespace brevanta {
 namespace {
 
 using namespace NativeMessagingPolicy;
-
-std::string contentsOf(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
 
 // Shells that are /bin/sh somewhere; on a Mac it is bash in its POSIX mode.
 std::vector<std::string> shells()

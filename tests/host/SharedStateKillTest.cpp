@@ -1,12 +1,12 @@
 #include "functional/support/TemporaryDirectory.h"
 #include "host/SharedStateRecords.h"
 #include "posix/FileDescriptor.h"
+#include "support/FileContents.h"
 
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <random>
 #include <spawn.h>
@@ -21,12 +21,6 @@ namespace brevanta {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-std::string contentsOf(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
 
 // A process that writes the shared state again and again; killed at the latest when this ends.
 class WritingProcess {

@@ -106,19 +106,24 @@ static bool isLiveMemberOf(pid_t group, const std::filesystem::path& directory)
     return processGroup == group && state != 'Z';
 }
 
-std::vector<pid_t> ChildProcess::groupMembers() const
+std::vector<pid_t> processesThat(const std::function<bool(const std::filesystem::path&)>& matches)
 {
-    std::vector<pid_t> members;
+    std::vector<pid_t> processes;
     std::error_code error;
     for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end;
         entry.increment(error)) {
         const auto name = entry->path().filename().string();
         pid_t id = 0;
         const auto parsed = std::from_chars(name.data(), name.data() + name.size(), id);
-        if (parsed.ec == std::errc() && parsed.ptr == name.data() + name.size() && isLiveMemberOf(m_id, entry->path()))
-            members.push_back(id);
+        if (parsed.ec == std::errc() && parsed.ptr == name.data() + name.size() && matches(entry->path()))
+            processes.push_back(id);
     }
-    return members;
+    return processes;
+}
+
+std::vector<pid_t> ChildProcess::groupMembers() const
+{
+    return processesThat([this](const std::filesystem::path& directory) { return isLiveMemberOf(m_id, directory); });
 }
 
 std::vector<std::string> neutralEnvironment()

@@ -3,6 +3,8 @@
 #include "support/CapturedStream.h"
 
 #include <expected>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -53,6 +55,9 @@ private:
     CapturedStream m_output;
     CapturedStream m_errors;
 };
+
+// All processes of the machine, zombies too, whose directory of proc(5) matches.
+[[nodiscard]] std::vector<pid_t> processesThat(const std::function<bool(const std::filesystem::path&)>& matches);
 
 // This process's environment without what would lead a child to the user's own display, bus or files.
 [[nodiscard]] std::vector<std::string> neutralEnvironment();

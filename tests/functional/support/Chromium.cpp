@@ -1,8 +1,8 @@
 #include "support/Chromium.h"
 
-#include <charconv>
+#include "support/FileContents.h"
+
 #include <csignal>
-#include <fstream>
 #include <sstream>
 #include <unistd.h>
 
@@ -61,29 +61,12 @@ nlohmann::json Chromium::awaitTold(std::size_t count, Milliseconds within) const
     return told;
 }
 
-// Of a file in proc(5); empty for a process that has ended.
-static std::string contentsOf(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return { std::istreambuf_iterator<char>(file), {} };
-}
-
 std::vector<pid_t> Chromium::processes() const
 {
-    std::vector<pid_t> result;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry("/proc", error), end; !error && entry != end;
-        entry.increment(error)) {
-        const auto name = entry->path().filename().string();
-        pid_t id = 0;
-        const auto parsed = std::from_chars(name.data(), name.data() + name.size(), id);
-        if (parsed.ec != std::errc() || parsed.ptr != name.data() + name.size())
-            continue;
-        if (contentsOf(entry->path() / "environ").contains("HOME=" + m_home.path().string())
-            || contentsOf(entry->path() / "cmdline").contains(m_userData.string()))
-            result.push_back(id);
-    }
-    return result;
+    return processesThat([this](const std::filesystem::path& directory) {
+        return contentsOf(directory / "environ").contains("HOME=" + m_home.path().string())
+            || contentsOf(directory / "cmdline").contains(m_userData.string());
+    });
 }
 
 bool Chromium::end(Milliseconds within)
