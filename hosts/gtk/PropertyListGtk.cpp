@@ -1,9 +1,8 @@
 #include "gtk/PropertyListGtk.h"
 
+#include "gtk/standin/MarkupReading.h"
 #include "posix/FileStorePosix.h"
 
-#include <glib.h>
-#include <memory>
 #include <utility>
 
 namespace brevanta {
@@ -69,27 +68,6 @@ private:
     PropertyListTexts m_texts;
 };
 
-void refuseUnless(bool isWellFormed, GError** error)
-{
-    if (!isWellFormed)
-        g_set_error_literal(error, G_MARKUP_ERROR, G_MARKUP_ERROR_INVALID_CONTENT, "no property list");
-}
-
-const GMarkupParser handlers {
-    .start_element = [](GMarkupParseContext*, const char* element, const char**, const char**, gpointer reader,
-                         GError** error) { refuseUnless(static_cast<Reader*>(reader)->start(element), error); },
-    .end_element = [](GMarkupParseContext*, const char* element, gpointer reader,
-                       GError** error) { refuseUnless(static_cast<Reader*>(reader)->end(element), error); },
-    .text = [](GMarkupParseContext*, const char* text, gsize size, gpointer reader,
-                GError**) { static_cast<Reader*>(reader)->add({ text, size }); },
-    .passthrough = nullptr,
-    .error = nullptr,
-};
-
-struct ContextDeleter {
-    void operator()(GMarkupParseContext* context) const { g_markup_parse_context_free(context); }
-};
-
 }
 
 std::optional<PropertyListTexts> parsePropertyList(std::string_view xml)
@@ -97,12 +75,7 @@ std::optional<PropertyListTexts> parsePropertyList(std::string_view xml)
     if (xml.size() > mostBytes)
         return std::nullopt;
     Reader reader;
-    const std::unique_ptr<GMarkupParseContext, ContextDeleter> context(
-        g_markup_parse_context_new(&handlers, G_MARKUP_TREAT_CDATA_AS_TEXT, &reader, nullptr));
-    if (!g_markup_parse_context_parse(context.get(), xml.data(), static_cast<gssize>(xml.size()), nullptr)
-        || !g_markup_parse_context_end_parse(context.get(), nullptr))
-        return std::nullopt;
-    return reader.result();
+    return readMarkup(xml, reader) ? reader.result() : std::nullopt;
 }
 
 std::optional<PropertyListTexts> readPropertyList(const std::filesystem::path& file)

@@ -1,12 +1,11 @@
 #include "gtk/standin/LaunchProperties.h"
 
+#include "gtk/standin/MarkupReading.h"
 #include "posix/FileDescriptor.h"
 
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
-#include <glib.h>
-#include <memory>
 #include <sys/stat.h>
 
 namespace brevanta {
@@ -27,7 +26,7 @@ public:
         return m_open.size() != dictionaryDepth || element == "dict";
     }
 
-    bool end()
+    bool end(std::string_view /*element*/)
     {
         const auto element = std::move(m_open.back());
         m_open.pop_back();
@@ -65,38 +64,13 @@ private:
     LaunchProperties m_properties;
 };
 
-void refuseUnless(bool isWellFormed, GError** error)
-{
-    if (!isWellFormed)
-        g_set_error_literal(error, G_MARKUP_ERROR, G_MARKUP_ERROR_INVALID_CONTENT, "no property list");
-}
-
-const GMarkupParser handlers {
-    .start_element = [](GMarkupParseContext*, const char* element, const char**, const char**, gpointer reader,
-                         GError** error) { refuseUnless(static_cast<Reader*>(reader)->start(element), error); },
-    .end_element = [](GMarkupParseContext*, const char*, gpointer reader,
-                       GError** error) { refuseUnless(static_cast<Reader*>(reader)->end(), error); },
-    .text = [](GMarkupParseContext*, const char* text, gsize size, gpointer reader,
-                GError**) { static_cast<Reader*>(reader)->add({ text, size }); },
-    .passthrough = nullptr,
-    .error = nullptr,
-};
-
-struct ContextDeleter {
-    void operator()(GMarkupParseContext* context) const { g_markup_parse_context_free(context); }
-};
-
 }
 
 std::expected<LaunchProperties, int> parseLaunchProperties(std::string_view xml)
 {
     Reader reader;
-    const std::unique_ptr<GMarkupParseContext, ContextDeleter> context(
-        g_markup_parse_context_new(&handlers, G_MARKUP_TREAT_CDATA_AS_TEXT, &reader, nullptr));
     const auto& properties = reader.properties();
-    if (!g_markup_parse_context_parse(context.get(), xml.data(), static_cast<gssize>(xml.size()), nullptr)
-        || !g_markup_parse_context_end_parse(context.get(), nullptr) || properties.label.empty()
-        || properties.programArguments.empty())
+    if (!readMarkup(xml, reader) || properties.label.empty() || properties.programArguments.empty())
         return std::unexpected(EINVAL);
     return properties;
 }
