@@ -1,4 +1,4 @@
-#include "support/WebBench.h"
+#include "web/WebViewBridgeTest.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -6,21 +6,6 @@
 namespace brevanta {
 
 namespace {
-
-class WebViewBridgeTest : public testing::Test, protected WebBench {
-protected:
-    [[nodiscard]] bool hasLine(const std::string& line) const
-    {
-        return std::ranges::find(log.lines, line) != log.lines.end();
-    }
-    // How often an event has been sent into the page.
-    [[nodiscard]] std::ptrdiff_t eventCount(const std::string& name) const
-    {
-        return std::ranges::count_if(
-            webView.scripts, [&](const std::string& script) { return script.contains("'" + name + "'"); });
-    }
-    WebNavigationDelegate& navigation() { return webView.configuration->navigationDelegate; }
-};
 
 Json authToken(const Json& additions = Json::object())
 {
@@ -406,139 +391,6 @@ TEST_F(WebViewBridgeTest, APickedApplicationsNameFallsBack)
         settle();
         EXPECT_TRUE(webView.scripts.back().contains(name)) << webView.scripts.back();
     }
-}
-
-TEST_F(WebViewBridgeTest, OnlyTheServicesAndTheSignInPagesAreNavigatedTo)
-{
-    openUsable();
-    using enum NavigationType;
-    const auto decide = [&](const std::optional<Url>& url, NavigationType type) {
-        const auto decision = navigation().decideAction({ url, type });
-        settle();
-        return decision;
-    };
-    for (const auto& url :
-        { urlOf("https", "www.example.com"), urlOf("https", "EXAMPLE.com."), urlOf("https", "login.example.org") })
-        EXPECT_EQ(decide(url, other), NavigationDecision::allow) << url.text;
-    EXPECT_EQ(decide(std::nullopt, linkActivated), NavigationDecision::cancel);
-    EXPECT_TRUE(log.lines.empty());
-
-    for (const auto& url :
-        { urlOf("http", "www.example.com"), urlOf("https", "other.example"), urlOf("data", ""), urlOf("about", "") }) {
-        EXPECT_EQ(decide(url, other), NavigationDecision::cancel);
-        EXPECT_EQ(log.lines.back(), "[WebViewBridge] Cancelled navigation to non-allowed origin: " + url.text);
-    }
-    EXPECT_TRUE(workspace.opened.empty());
-    log.lines.clear();
-    EXPECT_EQ(decide(urlOf("https", "other.example", "/x"), linkActivated), NavigationDecision::cancel);
-    EXPECT_EQ(workspace.opened, std::vector<std::string> { "https://other.example/x" });
-    EXPECT_TRUE(log.lines.empty());
-}
-
-TEST_F(WebViewBridgeTest, AServerErrorIsAFailureOfOurOwnLoadsOnly)
-{
-    open();
-    window->loadCoordinator().prepare();
-    window->loadCoordinator().release("released");
-    EXPECT_EQ(navigation().decideResponse({ 404 }), NavigationDecision::allow);
-    EXPECT_EQ(navigation().decideResponse({ 500 }), NavigationDecision::cancel);
-    webView.commit(urlOf("https", "www.example.com"));
-    webView.finish();
-    webView.beginForeign();
-    EXPECT_EQ(navigation().decideResponse({ 503 }), NavigationDecision::allow) << "the user sees the page's own error";
-}
-
-TEST_F(WebViewBridgeTest, NothingReachesADocumentThatIsNotTrusted)
-{
-    openUsable();
-    const auto dropped = "[WebViewBridge] Dropping native → web delivery: current document is not bridge-trusted";
-    for (const auto& url : { urlOf("https", "login.example.org"), urlOf("http", "www.example.com") }) {
-        webView.beginForeign();
-        webView.commit(url);
-        webView.finish();
-        settle();
-        window->pushBlockingStatus(statusWith(Json::object()));
-        settle();
-        EXPECT_EQ(window->evaluate("x"), ScriptDelivery::refused);
-        EXPECT_TRUE(webView.scripts.empty());
-    }
-    webView.terminateContentProcess();
-    window->pushBlockingStatus(statusWith(Json::object()));
-    settle();
-    EXPECT_EQ(std::ranges::count(log.lines, dropped), 1) << "a row of refusals is logged once";
-    webView.commit(urlOf("https", "www.example.com"));
-    EXPECT_EQ(window->evaluate("x"), ScriptDelivery::handedOver);
-    webView.committed.reset();
-    EXPECT_EQ(window->evaluate("x"), ScriptDelivery::refused);
-    EXPECT_EQ(std::ranges::count(log.lines, dropped), 2);
-}
-
-TEST_F(WebViewBridgeTest, TrustIsJudgedWhenTheAnswerArrives)
-{
-    openUsable();
-    auto& handler = webView.configuration->messageHandlers.at(0).handler;
-    handler.messageArrived({ R"({"type":"get_blocking_status"})", { true, "https", "www.example.com" } });
-    webView.committed = urlOf("https", "login.example.org");
-    settle();
-    EXPECT_TRUE(webView.scripts.empty());
-}
-
-TEST_F(WebViewBridgeTest, EachDocumentIsToldTheStatusOnceWhileItLoadsAndOnceAfterwards)
-{
-    openUsable();
-    const auto status = statusWith(Json::object());
-    const auto push = [&] {
-        window->pushBlockingStatus(status);
-        settle();
-    };
-    const auto told = [this] { return eventCount("kestrelune_blocking_status"); };
-    push();
-    push();
-    EXPECT_EQ(told(), 1) << "nothing has changed since";
-    post({ { "type", "get_blocking_status" } });
-    EXPECT_EQ(told(), 2) << "a page that asks is answered";
-    webView.scripts.clear();
-    webView.beginForeign();
-    webView.commit(urlOf("https", "www.example.com"));
-    push();
-    push();
-    EXPECT_EQ(told(), 1);
-    webView.finish();
-    push();
-    push();
-    EXPECT_EQ(told(), 2) << "its own scripts may not have listened before";
-    webView.terminateContentProcess();
-    webView.commit(urlOf("https", "www.example.com"));
-    push();
-    EXPECT_EQ(told(), 3);
-}
-
-TEST_F(WebViewBridgeTest, EachEndOfANavigationAsksForTheOnboardingState)
-{
-    openUsable();
-    const std::string script = "window.dispatchEvent(new CustomEvent('kestrelune_request_onboarding_state'));";
-    webView.beginForeign();
-    webView.commit(urlOf("https", "www.example.com"));
-    settle();
-    EXPECT_TRUE(webView.scripts.empty());
-    webView.finish();
-    EXPECT_TRUE(webView.scripts.empty()) << "later, not from inside the callback";
-    settle();
-    EXPECT_EQ(webView.scripts, std::vector<std::string> { script });
-    webView.beginForeign();
-    webView.fail({ "NSURLErrorDomain", -999 });
-    settle();
-    EXPECT_EQ(webView.scripts, (std::vector<std::string> { script, script }));
-}
-
-TEST_F(WebViewBridgeTest, TheDeviceSetupIsToldOfEveryPageChange)
-{
-    openUsable();
-    const auto before = deviceSetup.pageChanges;
-    webView.beginForeign();
-    webView.commit(urlOf("https", "www.example.com"));
-    webView.terminateContentProcess();
-    EXPECT_EQ(deviceSetup.pageChanges, before + 2);
 }
 
 }
