@@ -31,15 +31,16 @@ public:
     [[nodiscard]] std::optional<ExtensionRecord> bundledExtension() const override;
 
 private:
+    using Preferences = std::expected<FilterPreferences, FilterError>;
     using Outcome = std::expected<void, FilterError>;
     using Properties = std::expected<std::vector<ExtensionRecord>, FilterError>;
 
-    void load(std::function<void(Outcome)> onEnd);
     void save(std::function<void(Outcome)> onEnd);
     void submit(OSSystemExtensionRequest* request, ExtensionRequestObserver observer);
     void submit(std::uint64_t number, OSSystemExtensionRequest* request, const ExtensionRequestEvents& events);
 
     MainLoop& m_mainLoop;
+    CompletionTable<Preferences> m_preferences;
     CompletionTable<Outcome> m_outcomes;
     CompletionTable<Properties> m_properties;
     // Of the requests that have not ended, since nothing else keeps them alive.

@@ -49,6 +49,7 @@ std::optional<std::string> textIn(NSDictionary<NSString*, id>* dictionary, NSStr
 
 FilterSystemMac::FilterSystemMac(MainLoop& mainLoop)
     : m_mainLoop(mainLoop)
+    , m_preferences(mainLoop)
     , m_outcomes(mainLoop)
     , m_properties(mainLoop)
 {
@@ -60,13 +61,6 @@ FilterSystemMac::~FilterSystemMac()
         [delegate detach];
 }
 
-void FilterSystemMac::load(std::function<void(Outcome)> onEnd)
-{
-    const auto finish = m_outcomes.expect(std::move(onEnd));
-    [NEFilterManager.sharedManager
-        loadFromPreferencesWithCompletionHandler:^(NSError* error) { finish(outcomeFrom(error)); }];
-}
-
 void FilterSystemMac::save(std::function<void(Outcome)> onEnd)
 {
     const auto finish = m_outcomes.expect(std::move(onEnd));
@@ -74,22 +68,25 @@ void FilterSystemMac::save(std::function<void(Outcome)> onEnd)
         saveToPreferencesWithCompletionHandler:^(NSError* error) { finish(outcomeFrom(error)); }];
 }
 
+// Everybody changes the one shared manager: what was loaded is read before anything else can come in between.
 void FilterSystemMac::loadPreferences(std::function<void(std::expected<FilterPreferences, FilterError>)> onEnd)
 {
-    load([onEnd = std::move(onEnd)](const Outcome& loaded) {
+    const auto finish = m_preferences.expect(std::move(onEnd));
+    [NEFilterManager.sharedManager loadFromPreferencesWithCompletionHandler:^(NSError* error) {
+        const auto loaded = outcomeFrom(error);
         if (loaded)
-            onEnd(preferencesOf(NEFilterManager.sharedManager));
+            finish(preferencesOf(NEFilterManager.sharedManager));
         else
-            onEnd(std::unexpected(loaded.error()));
-    });
+            finish(std::unexpected(loaded.error()));
+    }];
 }
 
 // What is saved without having been loaded counts as stale and is refused.
 void FilterSystemMac::enable(std::function<void(std::expected<void, FilterError>)> onEnd)
 {
-    load([this, onEnd = std::move(onEnd)](const Outcome& loaded) {
+    loadPreferences([this, onEnd = std::move(onEnd)](const Preferences& loaded) {
         if (!loaded) {
-            onEnd(loaded);
+            onEnd(std::unexpected(loaded.error()));
             return;
         }
         configure(NEFilterManager.sharedManager);
@@ -99,14 +96,18 @@ void FilterSystemMac::enable(std::function<void(std::expected<void, FilterError>
 
 void FilterSystemMac::removeConfiguration(std::function<void(std::expected<void, FilterError>)> onEnd)
 {
-    load([this, onEnd = std::move(onEnd)](const Outcome& loaded) {
-        NEFilterManager* const manager = NEFilterManager.sharedManager;
-        if (!loaded || !manager.providerConfiguration) {
-            onEnd(loaded);
+    loadPreferences([this, onEnd = std::move(onEnd)](const Preferences& loaded) {
+        if (!loaded) {
+            onEnd(std::unexpected(loaded.error()));
+            return;
+        }
+        if (!loaded->isConfigured) {
+            onEnd({});
             return;
         }
         const auto finish = m_outcomes.expect(onEnd);
-        [manager removeFromPreferencesWithCompletionHandler:^(NSError* error) { finish(outcomeFrom(error)); }];
+        [NEFilterManager.sharedManager
+            removeFromPreferencesWithCompletionHandler:^(NSError* error) { finish(outcomeFrom(error)); }];
     });
 }
 
