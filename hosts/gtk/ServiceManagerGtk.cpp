@@ -14,18 +14,23 @@ ServiceManagerGtk::ServiceManagerGtk(Executor& mainThread, std::filesystem::path
 {
 }
 
-void ServiceManagerGtk::observe(std::function<void(ServiceObservation)> onEnd)
+void ServiceManagerGtk::checkLaunch(std::function<void(std::optional<LaunchCheck>)> onEnd)
 {
-    m_mainThread.post(m_life.guard([this, onEnd = std::move(onEnd)] { onEnd(observation()); }));
+    m_mainThread.post(m_life.guard([this, onEnd = std::move(onEnd)] {
+        const auto standIn = m_store.service();
+        const auto answer = standIn && standIn->isLoaded ? LaunchdAnswer::loaded : LaunchdAnswer::notLoaded;
+        onEnd(launchCheck(standIn ? answer : LaunchdAnswer::unknown, m_root));
+    }));
+}
+
+void ServiceManagerGtk::readBackgroundItem(std::function<void(BackgroundItem)> onEnd)
+{
+    m_mainThread.post(m_life.guard([this, onEnd = std::move(onEnd)] {
+        const auto standIn = m_store.service();
+        onEnd(standIn ? standIn->backgroundItem : BackgroundItem::unknown);
+    }));
 }
 
 bool ServiceManagerGtk::isProgramInstalled() const { return isServiceProgramInstalled(m_root); }
-
-ServiceObservation ServiceManagerGtk::observation() const
-{
-    const auto standIn = m_store.service().value_or(ServiceStandIn());
-    return { .launch = launchCheck(standIn.isLoaded ? LaunchdAnswer::loaded : LaunchdAnswer::notLoaded, m_root),
-        .backgroundItem = standIn.backgroundItem };
-}
 
 }

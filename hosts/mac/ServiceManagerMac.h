@@ -15,26 +15,20 @@ NS_ASSUME_NONNULL_BEGIN
 namespace brevanta {
 
 // What launchctl(1) and the Login Items settings (documentation page SMAppService) say of the blocking service. Both
-// are asked off the main thread and given four seconds together.
+// are asked off the main thread and given four seconds each.
 class ServiceManagerMac final : public ServiceManager {
 public:
     // `root` stands for "/" in the path of the program file; launchd is always this system's.
     ServiceManagerMac(MainLoop& mainLoop, std::filesystem::path root);
 
-    void observe(std::function<void(ServiceObservation)> onEnd) override;
+    void checkLaunch(std::function<void(std::optional<LaunchCheck>)> onEnd) override;
+    void readBackgroundItem(std::function<void(BackgroundItem)> onEnd) override;
     [[nodiscard]] bool isProgramInstalled() const override;
 
 private:
-    struct Observation {
-        std::optional<LaunchdAnswer> launchd;
-        std::optional<BackgroundItem> backgroundItem;
-        std::unique_ptr<Timer> limit;
-        std::function<void(ServiceObservation)> onEnd;
-    };
-
-    void endIfComplete(std::uint64_t number);
-    void end(std::uint64_t number);
-    void giveUp(std::uint64_t number, NSTask* task);
+    template <typename Answer>
+    std::function<void(Answer)> expect(
+        CompletionTable<Answer>& answers, std::function<void(Answer)> onEnd, std::function<void()> giveUp);
 
     MainLoop& m_mainLoop;
     std::filesystem::path m_root;
@@ -43,8 +37,8 @@ private:
     dispatch_queue_t m_backgroundItemQueue;
     CompletionTable<LaunchdAnswer> m_launchdAnswers;
     CompletionTable<BackgroundItem> m_backgroundItems;
-    std::map<std::uint64_t, Observation> m_observations;
-    std::uint64_t m_nextObservation { 0 };
+    std::map<std::uint64_t, std::unique_ptr<Timer>> m_limits; // Of the questions that have not been answered.
+    std::uint64_t m_nextQuestion { 0 };
 };
 
 }

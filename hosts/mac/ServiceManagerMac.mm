@@ -23,20 +23,22 @@ NSTask* createLaunchctlTask()
     return task;
 }
 
-// By value, since the blocks outlive the call.
+// By value, since the blocks outlive the call. A launchctl that was ended by a signal has not answered.
 void launch(NSTask* task, dispatch_queue_t queue, std::function<void(LaunchdAnswer)> finish)
 {
     task.terminationHandler = ^(NSTask* ended) {
-        const bool succeeded = ended.terminationReason == NSTaskTerminationReasonExit && ended.terminationStatus == 0;
-        finish(succeeded ? LaunchdAnswer::loaded : LaunchdAnswer::notLoaded);
+        if (ended.terminationReason != NSTaskTerminationReasonExit)
+            finish(LaunchdAnswer::unknown);
+        else
+            finish(ended.terminationStatus == 0 ? LaunchdAnswer::loaded : LaunchdAnswer::notLoaded);
     };
     dispatch_async(queue, ^{
         if (![task launchAndReturnError:nil])
-            finish(LaunchdAnswer::notLoaded);
+            finish(LaunchdAnswer::unknown);
     });
 }
 
-BackgroundItem readBackgroundItem()
+BackgroundItem currentBackgroundItem()
 {
     NSURL* const url = [NSURL fileURLWithPath:@"/Library/LaunchDaemons/com.brevanta.daemon.plist" isDirectory:NO];
     const SMAppServiceStatus status = [SMAppService statusForLegacyURL:url];
@@ -59,55 +61,45 @@ ServiceManagerMac::ServiceManagerMac(MainLoop& mainLoop, std::filesystem::path r
 
 bool ServiceManagerMac::isProgramInstalled() const { return isServiceProgramInstalled(m_root); }
 
-void ServiceManagerMac::observe(std::function<void(ServiceObservation)> onEnd)
+void ServiceManagerMac::checkLaunch(std::function<void(std::optional<LaunchCheck>)> onEnd)
 {
-    const std::uint64_t number = m_nextObservation++;
     NSTask* const task = createLaunchctlTask();
-    auto limit
-        = m_mainLoop.startTimer(secondsToAnswer, TimerRepeat::once, [this, number, task] { giveUp(number, task); });
-    m_observations.emplace(number,
-        Observation { .launchd = std::nullopt,
-            .backgroundItem = std::nullopt,
-            .limit = std::move(limit),
-            .onEnd = std::move(onEnd) });
-    launch(task, m_launchdQueue, m_launchdAnswers.expect([this, number](LaunchdAnswer answer) {
-        if (const auto found = m_observations.find(number); found != m_observations.end())
-            found->second.launchd = answer;
-        endIfComplete(number);
-    }));
-    const auto finish = m_backgroundItems.expect([this, number](BackgroundItem item) {
-        if (const auto found = m_observations.find(number); found != m_observations.end())
-            found->second.backgroundItem = item;
-        endIfComplete(number);
+    const dispatch_queue_t queue = m_launchdQueue;
+    // On the queue that launches the task: a task is not to be used by two threads at once.
+    const auto giveUp = [task, queue] {
+        dispatch_async(queue, ^{
+            if (task.running)
+                [task terminate];
+        });
+    };
+    launch(task, queue,
+        expect<LaunchdAnswer>(
+            m_launchdAnswers,
+            [this, onEnd = std::move(onEnd)](LaunchdAnswer answer) { onEnd(launchCheck(answer, m_root)); }, giveUp));
+}
+
+void ServiceManagerMac::readBackgroundItem(std::function<void(BackgroundItem)> onEnd)
+{
+    const auto finish = expect<BackgroundItem>(m_backgroundItems, std::move(onEnd), [] { });
+    dispatch_async(m_backgroundItemQueue, ^{ finish(currentBackgroundItem()); });
+}
+
+// The table drops whichever of the answer and the limit comes second.
+template <typename Answer>
+std::function<void(Answer)> ServiceManagerMac::expect(
+    CompletionTable<Answer>& answers, std::function<void(Answer)> onEnd, std::function<void()> giveUp)
+{
+    const std::uint64_t number = m_nextQuestion++;
+    auto finish = answers.expect([this, number, onEnd = std::move(onEnd)](Answer answer) {
+        m_limits.erase(number);
+        onEnd(answer);
     });
-    dispatch_async(m_backgroundItemQueue, ^{ finish(readBackgroundItem()); });
-}
-
-void ServiceManagerMac::endIfComplete(std::uint64_t number)
-{
-    const auto found = m_observations.find(number);
-    if (found != m_observations.end() && found->second.launchd && found->second.backgroundItem)
-        end(number);
-}
-
-// On the queue that launches the task: a task is not to be used by two threads at once.
-void ServiceManagerMac::giveUp(std::uint64_t number, NSTask* task)
-{
-    dispatch_async(m_launchdQueue, ^{
-        if (task.running)
-            [task terminate];
-    });
-    end(number);
-}
-
-void ServiceManagerMac::end(std::uint64_t number)
-{
-    const auto ended = m_observations.extract(number);
-    if (ended.empty())
-        return;
-    const Observation& observation = ended.mapped();
-    observation.onEnd({ .launch = launchCheck(observation.launchd.value_or(LaunchdAnswer::notLoaded), m_root),
-        .backgroundItem = observation.backgroundItem.value_or(BackgroundItem::unknown) });
+    m_limits.emplace(
+        number, m_mainLoop.startTimer(secondsToAnswer, TimerRepeat::once, [finish, giveUp = std::move(giveUp)] {
+            giveUp();
+            finish(Answer::unknown);
+        }));
+    return finish;
 }
 
 }

@@ -15,10 +15,12 @@ bool isServiceProgramInstalled(const std::filesystem::path& root)
     return !::stat(serviceProgram(root).c_str(), &status) && S_ISREG(status.st_mode);
 }
 
-LaunchCheck launchCheck(LaunchdAnswer answer, const std::filesystem::path& root)
+std::optional<LaunchCheck> launchCheck(LaunchdAnswer answer, const std::filesystem::path& root)
 {
     if (answer == LaunchdAnswer::loaded)
         return LaunchCheck::loaded;
+    if (answer == LaunchdAnswer::unknown)
+        return std::nullopt;
     return isServiceProgramInstalled(root) ? LaunchCheck::notRunning : LaunchCheck::notInstalled;
 }
 

@@ -3,6 +3,7 @@
 #include "platform/ServiceManager.h"
 
 #include <filesystem>
+#include <optional>
 
 namespace brevanta {
 
@@ -12,9 +13,9 @@ namespace brevanta {
 // Whether it is there as a regular file, or a link to one: one stat(2). What cannot be looked at is not there.
 [[nodiscard]] bool isServiceProgramInstalled(const std::filesystem::path& root);
 
-enum class LaunchdAnswer { loaded, notLoaded };
+enum class LaunchdAnswer { loaded, notLoaded, unknown };
 
-// launchd's answer together with the program file. What launchd did not say counts as notLoaded.
-[[nodiscard]] LaunchCheck launchCheck(LaunchdAnswer answer, const std::filesystem::path& root);
+// launchd's answer together with the program file; nothing when launchd did not say.
+[[nodiscard]] std::optional<LaunchCheck> launchCheck(LaunchdAnswer answer, const std::filesystem::path& root);
 
 }

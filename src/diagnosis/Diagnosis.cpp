@@ -106,6 +106,22 @@ Finding service(const DiagnosisFacts& facts)
         key, title, std::move(text), "Ask again in half a minute; restart this Mac if the answer is the same.");
 }
 
+// What to do about one that is switched off is said by the service's health.
+Finding backgroundItem(const DiagnosisFacts& facts)
+{
+    constexpr auto key = "service.background";
+    constexpr auto title = "In the background";
+    switch (facts.backgroundItem) {
+    case BackgroundItem::allowed:
+        return good(key, title, "allowed");
+    case BackgroundItem::requiresApproval:
+        return notice(key, title, "switched off in System Settings");
+    case BackgroundItem::unknown:
+        break;
+    }
+    return notice(key, title, "not known");
+}
+
 Finding account(const DiagnosisFacts& facts)
 {
     const auto* const answer = std::get_if<DiagnosisFacts::Answer>(&facts.contact);
@@ -241,7 +257,7 @@ Diagnosis diagnose(const DiagnosisFacts& facts)
 {
     std::vector<Finding> findings { good("application.version", "Application", facts.version), location(facts),
         good("service.bundledVersion", "Bundled service", facts.bundledServiceVersion), service(facts),
-        runningVersion(facts), socket(facts), account(facts), filter(facts) };
+        runningVersion(facts), backgroundItem(facts), socket(facts), account(facts), filter(facts) };
     addNativeMessaging(findings, facts);
     findings.push_back(sounds(facts));
     findings.push_back(updates(facts));

@@ -9,6 +9,7 @@
 #include "nativehost/NativeMessagingRegistration.h"
 #include "notify/NotificationSounds.h"
 #include "platform/LoginItem.h"
+#include "platform/ServiceManager.h"
 
 #include <expected>
 #include <filesystem>
@@ -47,6 +48,7 @@ struct DiagnosisFacts {
     std::string socketPath;
     Contact contact { NoAnswerInTime {} };
     DaemonHealth::State service { DaemonHealth::Checking {} };
+    BackgroundItem backgroundItem { BackgroundItem::unknown };
     FilterStatus filter { FilterStatus::checking };
     ComponentLine filterLine;
     std::optional<std::string> filterVersion; // Of the extension that the system runs.

@@ -23,7 +23,8 @@ DiagnosisRun::DiagnosisRun(DiagnosisPorts ports, BuildConfiguration configuratio
     : m_ports(std::move(ports))
     , m_configuration(std::move(configuration))
     , m_onEnd(std::move(onEnd))
-    , m_open { Question::status, Question::service, Question::preferences, Question::properties, Question::loginItem }
+    , m_open { Question::status, Question::backgroundItem, Question::preferences, Question::properties,
+        Question::loginItem }
 {
     m_service.bundledVersion = m_configuration.version;
 }
@@ -49,10 +50,10 @@ void DiagnosisRun::start()
 
 void DiagnosisRun::askService()
 {
-    m_ports.services.observe(m_life.guard([this](const ServiceObservation& observation) {
-        m_service.launchCheck = observation.launch;
-        m_service.recordBackgroundItem(observation.backgroundItem == BackgroundItem::requiresApproval, m_startedAt);
-        answered(Question::service);
+    m_ports.services.readBackgroundItem(m_life.guard([this](BackgroundItem item) {
+        m_facts.backgroundItem = item;
+        m_service.recordBackgroundItem(item, m_startedAt);
+        answered(Question::backgroundItem);
     }));
     m_daemonClient = std::make_unique<DaemonClient>(
         std::make_unique<SocketTransport>(m_configuration.socketPath, m_ports.localSockets), m_ports.daemonQueue,

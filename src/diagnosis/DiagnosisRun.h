@@ -64,7 +64,7 @@ public:
     void start();
 
 private:
-    enum class Question { status, service, preferences, properties, loginItem };
+    enum class Question { status, backgroundItem, preferences, properties, loginItem };
 
     void askService();
     void askFilter();

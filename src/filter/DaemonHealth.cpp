@@ -63,11 +63,12 @@ void DaemonHealth::recordFailure(PollFailure kind, bool binaryInstalled, double 
         lastEvent = Failure { .kind = kind, .binaryInstalled = binaryInstalled, .requestStartedAt = requestStartedAt };
 }
 
-void DaemonHealth::recordBackgroundItem(bool requiresApproval, double readStartedAt)
+void DaemonHealth::recordBackgroundItem(BackgroundItem item, double readStartedAt)
 {
-    if (readStartedAt < std::max(backgroundItemReadStartedAt, latestSuccessRequestStartedAt))
+    if (item == BackgroundItem::unknown
+        || readStartedAt < std::max(backgroundItemReadStartedAt, latestSuccessRequestStartedAt))
         return;
-    backgroundItemRequiresApproval = requiresApproval;
+    backgroundItemRequiresApproval = item == BackgroundItem::requiresApproval;
     backgroundItemReadStartedAt = readStartedAt;
 }
 

@@ -77,8 +77,8 @@ struct DaemonHealth {
     void recordFailure(PollFailure kind, bool binaryInstalled, double requestStartedAt);
 
     // A reading of the background item that began at `readStartedAt`; an older one than the last, or than a good reply,
-    // is ignored.
-    void recordBackgroundItem(bool requiresApproval, double readStartedAt);
+    // is ignored, and so is one that found nothing out.
+    void recordBackgroundItem(BackgroundItem item, double readStartedAt);
 
     [[nodiscard]] bool isInGrace(double now) const;
     [[nodiscard]] State state(double now) const;

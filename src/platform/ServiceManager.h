@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 namespace brevanta {
 
@@ -14,22 +15,16 @@ enum class LaunchCheck {
 // Whether the user lets the service run in the background: the system's Login Items settings.
 enum class BackgroundItem { allowed, requiresApproval, unknown };
 
-struct ServiceObservation {
-    LaunchCheck launch { LaunchCheck::notInstalled };
-    BackgroundItem backgroundItem { BackgroundItem::unknown };
-
-    bool operator==(const ServiceObservation&) const = default;
-};
-
 // What the system knows of the blocking service. Main thread only.
 class ServiceManager {
 public:
     virtual ~ServiceManager() = default;
 
-    // Asks the system, without holding up the main thread. `onEnd` is called exactly once on the main thread, after
-    // this call has returned and within five seconds, unless the manager is destroyed first; what could not be found
-    // out reads as `notRunning` or `notInstalled` by the program file alone, and as `unknown`.
-    virtual void observe(std::function<void(ServiceObservation)> onEnd) = 0;
+    // Both ask the system without holding up the main thread. `onEnd` is called exactly once on the main thread, after
+    // the call has returned and within five seconds, unless the manager is destroyed first. What could not be found out
+    // is told as nothing, or as `unknown`.
+    virtual void checkLaunch(std::function<void(std::optional<LaunchCheck>)> onEnd) = 0;
+    virtual void readBackgroundItem(std::function<void(BackgroundItem)> onEnd) = 0;
 
     // Whether the service's program file is there now: one stat(2).
     [[nodiscard]] virtual bool isProgramInstalled() const = 0;

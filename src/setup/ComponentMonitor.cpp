@@ -3,7 +3,6 @@
 #include "daemon/BlockingStatus.h"
 #include "daemon/DaemonFailure.h"
 #include "filter/ComponentLabels.h"
-#include "filter/ExtensionRecords.h"
 #include "platform/Clock.h"
 #include "platform/MainLoop.h"
 #include "platform/ServiceManager.h"
@@ -25,7 +24,16 @@ ComponentMonitor::ComponentMonitor(Dependencies dependencies)
     m_service.bundledVersion = m_dependencies.bundledServiceVersion;
 }
 
-void ComponentMonitor::start() { checkService(); }
+// What launchd says counts only until the first poll has ended.
+void ComponentMonitor::start()
+{
+    m_dependencies.services.checkLaunch(m_life.guard([this](std::optional<LaunchCheck> check) {
+        if (check)
+            m_service.launchCheck = check;
+        refresh();
+    }));
+    readBackgroundItem();
+}
 
 Json ComponentMonitor::filterHealthReport()
 {
@@ -49,8 +57,8 @@ void ComponentMonitor::pollFailed(const DaemonFailure& failure, double requestSt
     m_service.recordFailure(
         DaemonHealth::kindOf(failure), m_dependencies.services.isProgramInstalled(), requestStartedAt);
     const double now = m_dependencies.clock.continuousSeconds();
-    if (!m_serviceCheckedAt || now - *m_serviceCheckedAt >= serviceCheckInterval)
-        checkService();
+    if (!m_backgroundItemAskedAt || now - *m_backgroundItemAskedAt >= backgroundItemInterval)
+        readBackgroundItem();
     refresh();
 }
 
@@ -94,10 +102,7 @@ FilterStatus ComponentMonitor::filterStatus() const
 
 bool ComponentMonitor::isFilterPresent() const
 {
-    const auto* const records = lastRecords(m_storedFilter);
-    const bool hasExtension
-        = records && std::ranges::any_of(records->records, [](const auto& record) { return !record.isUninstalling; });
-    return hasExtension || (m_preferences && m_preferences->isConfigured);
+    return m_hasExtension || (m_preferences && m_preferences->isConfigured);
 }
 
 LaunchFilterActivationPolicy::Decision ComponentMonitor::launchFilterDecision(
@@ -142,6 +147,7 @@ void ComponentMonitor::installEnded(InstallOutcome outcome)
 
 void ComponentMonitor::filterPropertiesRead(std::vector<ExtensionRecord> records, double at)
 {
+    m_hasExtension = std::ranges::any_of(records, [](const auto& record) { return !record.isUninstalling; });
     m_storedFilter.recordProperties(std::move(records), at);
     refresh();
 }
@@ -165,13 +171,12 @@ void ComponentMonitor::filterPreferencesFailed(double at)
     refresh();
 }
 
-void ComponentMonitor::checkService()
+void ComponentMonitor::readBackgroundItem()
 {
     const double now = m_dependencies.clock.continuousSeconds();
-    m_serviceCheckedAt = now;
-    m_dependencies.services.observe(m_life.guard([this, now](const ServiceObservation& observation) {
-        m_service.launchCheck = observation.launch;
-        m_service.recordBackgroundItem(observation.backgroundItem == BackgroundItem::requiresApproval, now);
+    m_backgroundItemAskedAt = now;
+    m_dependencies.services.readBackgroundItem(m_life.guard([this, now](BackgroundItem item) {
+        m_service.recordBackgroundItem(item, now);
         refresh();
     }));
 }

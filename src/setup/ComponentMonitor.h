@@ -36,8 +36,8 @@ public:
         std::function<void(ProtectiveComponent)> postSwitchedOff; // Tells the user.
     };
 
-    // While the service fails, the system is asked about it again after so many seconds.
-    static constexpr double serviceCheckInterval = 4;
+    // While the service fails, its background item is read again after so many seconds.
+    static constexpr double backgroundItemInterval = 4;
 
     explicit ComponentMonitor(Dependencies dependencies);
 
@@ -86,7 +86,7 @@ private:
     void filterPreferencesRead(const FilterPreferences& preferences, double at) override;
     void filterPreferencesFailed(double at) override;
 
-    void checkService();
+    void readBackgroundItem();
     void logUpgradeDecision();
 
     Dependencies m_dependencies;
@@ -96,8 +96,9 @@ private:
     OffNoticeTracker m_offNotices;
     FilterManager m_filterManager;
     std::optional<FilterPreferences> m_preferences; // The last that were read.
+    bool m_hasExtension { false }; // By the last records that were read: a copy that is not on its way out.
     std::optional<DaemonUpgradePolicy::Decision> m_loggedDecision;
-    std::optional<double> m_serviceCheckedAt;
+    std::optional<double> m_backgroundItemAskedAt;
     bool m_upgradeHeld { false }; // We update the service, and the new one has not answered yet.
     LifeToken m_life;
 };

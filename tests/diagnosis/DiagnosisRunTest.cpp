@@ -21,7 +21,7 @@ class DiagnosisRunTest : public testing::Test {
 protected:
     DiagnosisRunTest()
     {
-        services.observations.result = { .launch = LaunchCheck::loaded, .backgroundItem = BackgroundItem::allowed };
+        services.backgroundItems.result = BackgroundItem::allowed;
         services.programIsInstalled = true;
         filterSystem.properties.result = std::vector { activeExtension };
         filterSystem.preferences.result = filterSwitchedOn;
@@ -99,6 +99,7 @@ TEST_F(DiagnosisRunTest, EverythingIsAskedOnceAndNothingIsChanged)
     EXPECT_TRUE(files.folders().empty());
     EXPECT_TRUE(filterSystem.requests.empty());
     EXPECT_EQ(loginItem.registrations.asked, 0);
+    EXPECT_EQ(services.launchChecks.asked, 0) << "the poll says more";
 
     EXPECT_TRUE(std::holds_alternative<DaemonHealth::Running>(facts.service));
     EXPECT_EQ(facts.filter, FilterStatus::on);
@@ -118,7 +119,7 @@ TEST_F(DiagnosisRunTest, TheServicesStateSaysWhyItDoesNotAnswer)
     EXPECT_TRUE(std::holds_alternative<Health::NotRunning>(serviceAfter([] { })));
     EXPECT_EQ(facts.contact, DiagnosisFacts::Contact(DaemonFailure(DaemonError {})));
     EXPECT_TRUE(std::holds_alternative<Health::TurnedOffInSettings>(
-        serviceAfter([this] { services.observations.result.backgroundItem = BackgroundItem::requiresApproval; })));
+        serviceAfter([this] { services.backgroundItems.result = BackgroundItem::requiresApproval; })));
     EXPECT_TRUE(std::holds_alternative<Health::NotInstalled>(serviceAfter([this] {
         services.programIsInstalled = false;
         files.removeFromOutside(socketPath);
@@ -145,7 +146,7 @@ TEST_F(DiagnosisRunTest, WhoeverStaysSilentHoldsItForTwelveSeconds)
 {
     filterSystem.properties.isHeld = true;
     filterSystem.preferences.isHeld = true;
-    services.observations.isHeld = true;
+    services.backgroundItems.isHeld = true;
     loginItem.statuses.isHeld = true;
     begin(); // The queue does not come back either.
     mainLoop.advance(11.9);
@@ -156,6 +157,7 @@ TEST_F(DiagnosisRunTest, WhoeverStaysSilentHoldsItForTwelveSeconds)
     EXPECT_TRUE(std::holds_alternative<DiagnosisFacts::NoAnswerInTime>(facts.contact));
     EXPECT_TRUE(std::holds_alternative<DaemonHealth::Unreachable>(facts.service));
     EXPECT_EQ(facts.filter, FilterStatus::checking);
+    EXPECT_EQ(facts.backgroundItem, BackgroundItem::unknown);
     EXPECT_EQ(facts.loginItem, std::nullopt);
     EXPECT_TRUE(diagnose(facts).needsUser());
 

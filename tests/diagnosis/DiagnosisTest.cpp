@@ -23,6 +23,7 @@ DiagnosisFacts wellFacts()
         .socketPath = "/var/run/service.sock",
         .contact = DiagnosisFacts::Answer { .version = "1.2.3", .isSignedIn = true },
         .service = DaemonHealth::Running { "1.2.3", DaemonUpgradePolicy::Current { "1.2.3" } },
+        .backgroundItem = BackgroundItem::allowed,
         .filter = FilterStatus::on,
         .filterLine = { "✓ Content Filter", ComponentAction::none },
         .filterVersion = "1.2.3",
@@ -70,11 +71,13 @@ TEST(DiagnosisTest, WhatTheUserNeedNotChangeIsOnlyNoticed)
     facts.updates = {};
     facts.reportsCrashes = false;
     facts.loginItem = LoginItemStatus::requiresApproval;
+    facts.backgroundItem = BackgroundItem::unknown;
     facts.confinedBrowsers = { "Chromium (Snap)" };
     facts.lastService = std::nullopt;
     const auto diagnosis = diagnose(facts);
     EXPECT_FALSE(diagnosis.needsUser());
-    for (const auto* key : { "updater", "crashReports", "loginItem", "nativeMessaging.confined" }) {
+    for (const auto* key :
+        { "updater", "crashReports", "loginItem", "nativeMessaging.confined", "service.background" }) {
         ASSERT_TRUE(finding(diagnosis, key)) << key;
         EXPECT_EQ(finding(diagnosis, key)->verdict, FindingVerdict::notice) << key;
     }

@@ -5,18 +5,28 @@
 
 namespace brevanta {
 
-// Observations are answered with what `observations.result` holds, posted to the main loop.
+// Questions are answered with what `launchChecks.result` and `backgroundItems.result` hold, posted to the main loop.
 class FakeServiceManager final : public ServiceManager {
 public:
     explicit FakeServiceManager(Executor& mainLoop)
-        : observations(mainLoop)
+        : launchChecks(mainLoop)
+        , backgroundItems(mainLoop)
     {
+        backgroundItems.result = BackgroundItem::unknown;
     }
 
-    void observe(std::function<void(ServiceObservation)> onEnd) override { observations.ask(std::move(onEnd)); }
+    void checkLaunch(std::function<void(std::optional<LaunchCheck>)> onEnd) override
+    {
+        launchChecks.ask(std::move(onEnd));
+    }
+    void readBackgroundItem(std::function<void(BackgroundItem)> onEnd) override
+    {
+        backgroundItems.ask(std::move(onEnd));
+    }
     [[nodiscard]] bool isProgramInstalled() const override { return programIsInstalled; }
 
-    FakeAnswers<ServiceObservation> observations;
+    FakeAnswers<std::optional<LaunchCheck>> launchChecks;
+    FakeAnswers<BackgroundItem> backgroundItems;
     bool programIsInstalled { false };
 };
 

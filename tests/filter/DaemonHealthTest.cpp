@@ -160,26 +160,26 @@ TEST(DaemonHealth, ASuccessProvesThatAnOlderReadingOfTheBackgroundItemNoLongerHo
     for (const auto& [readAt, successAt, switchedOff] :
         { Case { 10, 11, false }, Case { 10, 10, false }, Case { 10, 9.999, true } }) {
         Health health;
-        health.recordBackgroundItem(true, readAt);
+        health.recordBackgroundItem(BackgroundItem::requiresApproval, readAt);
         health.recordSuccess(version, successAt);
         EXPECT_EQ(health.backgroundItemRequiresApproval, switchedOff) << successAt;
     }
 
     // Also when a newer failure keeps the success from being the last event.
     Health health;
-    health.recordBackgroundItem(true, 10);
+    health.recordBackgroundItem(BackgroundItem::requiresApproval, 10);
     health.recordFailure(Kind::notListening, true, 13);
     EXPECT_TRUE(health.state(13) == turnedOff);
     health.recordSuccess(version, 12);
     EXPECT_TRUE(health.state(13) == notRunning);
 
     // A reading from before that success, or from before the last reading, comes too late.
-    health.recordBackgroundItem(true, 11.999);
+    health.recordBackgroundItem(BackgroundItem::requiresApproval, 11.999);
     EXPECT_TRUE(health.state(13) == notRunning);
-    health.recordBackgroundItem(true, 12.5);
-    health.recordBackgroundItem(false, 12.4);
+    health.recordBackgroundItem(BackgroundItem::requiresApproval, 12.5);
+    health.recordBackgroundItem(BackgroundItem::allowed, 12.4);
     EXPECT_TRUE(health.state(13) == turnedOff);
-    health.recordBackgroundItem(false, 12.5);
+    health.recordBackgroundItem(BackgroundItem::allowed, 12.5);
     EXPECT_TRUE(health.state(13) == notRunning);
 }
 

@@ -18,9 +18,10 @@ protected:
         m_manager.emplace(m_loop, m_root.path());
     }
 
-    void observe()
+    void ask()
     {
-        m_manager->observe([this](const ServiceObservation& observation) { m_observations.push_back(observation); });
+        m_manager->checkLaunch([this](auto check) { m_checks.push_back(check); });
+        m_manager->readBackgroundItem([this](auto item) { m_items.push_back(item); });
     }
 
     functional::TemporaryDirectory m_root;
@@ -28,7 +29,8 @@ protected:
     FakeClock m_clock;
     FakeMainLoop m_loop { m_clock };
     std::optional<ServiceManagerGtk> m_manager;
-    std::vector<ServiceObservation> m_observations;
+    std::vector<std::optional<LaunchCheck>> m_checks;
+    std::vector<BackgroundItem> m_items;
 };
 
 }
@@ -38,19 +40,20 @@ TEST_F(ServiceManagerGtkTest, TellsWhatLaunchdAndTheProgramFileSay)
     struct Case {
         std::optional<std::string> file;
         bool isInstalled;
-        ServiceObservation expected;
+        std::optional<LaunchCheck> launch;
+        BackgroundItem item;
     };
     const Case cases[] = {
-        { std::nullopt, false, { LaunchCheck::notInstalled, BackgroundItem::unknown } },
-        { std::nullopt, true, { LaunchCheck::notRunning, BackgroundItem::unknown } },
-        { R"({"loaded": true, "backgroundItem": "allowed"})", true, { LaunchCheck::loaded, BackgroundItem::allowed } },
-        { R"({"loaded": true})", false, { LaunchCheck::loaded, BackgroundItem::unknown } },
-        { R"({"loaded": false, "backgroundItem": "requiresApproval"})", true,
-            { LaunchCheck::notRunning, BackgroundItem::requiresApproval } },
-        { R"({"loaded": true, "backgroundItem": 1})", true, { LaunchCheck::notRunning, BackgroundItem::unknown } },
-        { "", false, { LaunchCheck::notInstalled, BackgroundItem::unknown } },
+        { std::nullopt, false, LaunchCheck::notInstalled, BackgroundItem::unknown },
+        { std::nullopt, true, LaunchCheck::notRunning, BackgroundItem::unknown },
+        { R"({"loaded": true, "backgroundItem": "allowed"})", true, LaunchCheck::loaded, BackgroundItem::allowed },
+        { R"({"loaded": true})", false, LaunchCheck::loaded, BackgroundItem::unknown },
+        { R"({"loaded": false, "backgroundItem": "requiresApproval"})", true, LaunchCheck::notRunning,
+            BackgroundItem::requiresApproval },
+        { R"({"loaded": true, "backgroundItem": 1})", true, std::nullopt, BackgroundItem::unknown },
+        { "", false, std::nullopt, BackgroundItem::unknown },
     };
-    for (const auto& [file, isInstalled, expected] : cases) {
+    for (const auto& [file, isInstalled, launch, item] : cases) {
         std::filesystem::remove_all(m_root.path() / "Library");
         std::filesystem::remove(m_root.path() / "var/db/launchd.json");
         if (file)
@@ -59,11 +62,13 @@ TEST_F(ServiceManagerGtkTest, TellsWhatLaunchdAndTheProgramFileSay)
             std::filesystem::create_directories(m_program.parent_path());
             std::ofstream(m_program) << "#!/bin/sh\n";
         }
-        m_observations.clear();
-        observe();
-        EXPECT_TRUE(m_observations.empty()) << "not inside the call";
+        m_checks.clear();
+        m_items.clear();
+        ask();
+        EXPECT_TRUE(m_checks.empty() && m_items.empty()) << "not inside the call";
         m_loop.runPosted();
-        EXPECT_EQ(m_observations, std::vector { expected }) << file.value_or("no file");
+        EXPECT_EQ(m_checks, std::vector { launch }) << file.value_or("no file");
+        EXPECT_EQ(m_items, std::vector { item }) << file.value_or("no file");
         EXPECT_EQ(m_manager->isProgramInstalled(), isInstalled);
     }
     std::filesystem::remove_all(m_program);
@@ -73,10 +78,10 @@ TEST_F(ServiceManagerGtkTest, TellsWhatLaunchdAndTheProgramFileSay)
 
 TEST_F(ServiceManagerGtkTest, NothingIsToldOnceItHasGone)
 {
-    observe();
+    ask();
     m_manager.reset();
     m_loop.runPosted();
-    EXPECT_TRUE(m_observations.empty());
+    EXPECT_TRUE(m_checks.empty() && m_items.empty());
 }
 
 }

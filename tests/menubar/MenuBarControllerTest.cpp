@@ -326,14 +326,14 @@ TEST_F(MenuBarControllerTest, EachRemedyOfTheServiceIsOneChoiceAway)
     statusItem.choose("⚠ Install Blocking Service…");
     EXPECT_EQ(components.installer.begun, 2);
     components.services.programIsInstalled = true;
-    components.services.observations.answerAll();
+    components.services.backgroundItems.answerAll();
     tick();
     statusItem.choose("⚠ Restart Blocking Service…");
     statusItem.choose("Restart Blocking Service…");
     EXPECT_EQ(components.installer.begun, 4);
 
-    components.services.observations.isHeld = false;
-    components.services.observations.result.backgroundItem = BackgroundItem::requiresApproval;
+    components.services.backgroundItems.isHeld = false;
+    components.services.backgroundItems.result = BackgroundItem::requiresApproval;
     for (int ticks = 0; ticks < 3; ++ticks)
         tick();
     statusItem.choose("⚠ Blocking Service Turned Off in System Settings…");

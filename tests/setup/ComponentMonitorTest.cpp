@@ -46,7 +46,11 @@ protected:
 
 TEST_F(ComponentMonitorTest, TheServicesLineFollowsPollsAndTheSystem)
 {
-    EXPECT_EQ(monitor.serviceLine(), (ComponentLine { "Blocking Service: Checking…", ComponentAction::none }));
+    bench.services.launchChecks.isHeld = false;
+    monitor.start();
+    settle();
+    EXPECT_EQ(monitor.serviceLine(), (ComponentLine { "Blocking Service: Checking…", ComponentAction::none }))
+        << "launchd did not say";
     succeed();
     EXPECT_EQ(monitor.serviceLine().title, "✓ Blocking Service 1.2.3");
     mainLoop.advance(6.1);
@@ -55,20 +59,24 @@ TEST_F(ComponentMonitorTest, TheServicesLineFollowsPollsAndTheSystem)
     fail(nobodyListens);
     EXPECT_EQ(monitor.serviceLine().action, ComponentAction::installService);
     bench.services.programIsInstalled = true;
-    bench.services.observations.answerAll();
+    bench.services.backgroundItems.answerAll();
     fail(nobodyListens);
     EXPECT_EQ(monitor.serviceLine().action, ComponentAction::restartService);
     fail(badReply);
     EXPECT_EQ(monitor.serviceLine().action, ComponentAction::restartService);
     EXPECT_TRUE(std::holds_alternative<DaemonHealth::Unreachable>(monitor.serviceState()));
 
-    bench.services.observations.isHeld = false;
-    bench.services.observations.result
-        = { .launch = LaunchCheck::notRunning, .backgroundItem = BackgroundItem::requiresApproval };
-    mainLoop.advance(ComponentMonitor::serviceCheckInterval);
+    bench.services.backgroundItems.isHeld = false;
+    bench.services.backgroundItems.result = BackgroundItem::requiresApproval;
+    mainLoop.advance(ComponentMonitor::backgroundItemInterval);
     fail(nobodyListens);
     EXPECT_EQ(monitor.serviceLine().action, ComponentAction::openLoginItemsSettings);
     EXPECT_EQ(bench.switchedOff, std::vector { ProtectiveComponent::blockingService });
+    bench.services.backgroundItems.result = BackgroundItem::unknown;
+    mainLoop.advance(ComponentMonitor::backgroundItemInterval);
+    fail(nobodyListens);
+    EXPECT_EQ(monitor.serviceLine().action, ComponentAction::openLoginItemsSettings)
+        << "nobody said that it is allowed";
     mainLoop.advance(0.1);
     succeed();
     fail(nobodyListens);
@@ -82,12 +90,13 @@ TEST_F(ComponentMonitorTest, TheSystemIsAskedAboutAServiceThatFailsButNotAtEvery
         fail(nobodyListens);
         mainLoop.advance(2);
     }
-    EXPECT_EQ(bench.services.observations.asked, 1 + 4);
+    EXPECT_EQ(bench.services.backgroundItems.asked, 1 + 4);
     for (int second = 0; second < 20; second += 2) {
         succeed();
         mainLoop.advance(2);
     }
-    EXPECT_EQ(bench.services.observations.asked, 1 + 4);
+    EXPECT_EQ(bench.services.backgroundItems.asked, 1 + 4);
+    EXPECT_EQ(bench.services.launchChecks.asked, 1) << "polls tell more";
 }
 
 TEST_F(ComponentMonitorTest, AnInstallIsNotTakenForASwitchingOff)
@@ -99,8 +108,8 @@ TEST_F(ComponentMonitorTest, AnInstallIsNotTakenForASwitchingOff)
     mainLoop.advance(1);
     monitor.installEnded(InstallOutcome::installed);
     EXPECT_EQ(monitor.serviceLine().title, "Blocking Service: starting…");
-    bench.services.observations.isHeld = false;
-    bench.services.observations.result.backgroundItem = BackgroundItem::requiresApproval;
+    bench.services.backgroundItems.isHeld = false;
+    bench.services.backgroundItems.result = BackgroundItem::requiresApproval;
     bench.services.programIsInstalled = true;
     fail(nobodyListens);
     EXPECT_EQ(monitor.serviceLine().title, "Blocking Service: starting…");
@@ -124,13 +133,13 @@ TEST_F(ComponentMonitorTest, AnInstallThatDidNotHappenLeavesTheLineAsItWas)
 TEST_F(ComponentMonitorTest, AnUpdateIsOurDoingUntilTheNewServiceAnswers)
 {
     const auto turnOffAfterTheGrace = [this] {
-        mainLoop.advance(DaemonHealth::gracePeriod + ComponentMonitor::serviceCheckInterval);
+        mainLoop.advance(DaemonHealth::gracePeriod + ComponentMonitor::backgroundItemInterval);
         fail(nobodyListens);
         fail(nobodyListens);
         EXPECT_EQ(monitor.serviceLine().action, ComponentAction::openLoginItemsSettings);
     };
-    bench.services.observations.isHeld = false;
-    bench.services.observations.result.backgroundItem = BackgroundItem::requiresApproval;
+    bench.services.backgroundItems.isHeld = false;
+    bench.services.backgroundItems.result = BackgroundItem::requiresApproval;
     bench.services.programIsInstalled = true;
     succeed("1.0");
     monitor.installBegan();
@@ -186,6 +195,12 @@ TEST_F(ComponentMonitorTest, TheFilterIsFollowedAndReported)
     mainLoop.advance(FilterManager::propertiesInterval);
     pass();
     EXPECT_EQ(monitor.filterLine().title, "Content Filter: Can't check");
+    bench.filterSystem.preferences.result = FilterPreferences {};
+    bench.filterSystem.properties.result = std::unexpected(FilterError { "x", 1, {} });
+    mainLoop.advance(FilterHealth::propertiesLifetime + 1);
+    pass();
+    EXPECT_EQ(monitor.filterLine().title, "Content Filter: Can't check");
+    EXPECT_TRUE(monitor.isFilterPresent()) << "nobody said that it has gone";
     EXPECT_EQ(bench.switchedOff.size(), 1U);
 }
 

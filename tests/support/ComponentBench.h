@@ -27,7 +27,8 @@ struct ComponentBench {
         , clock(theClock)
         , log(theLog)
     {
-        services.observations.isHeld = true;
+        services.launchChecks.isHeld = true;
+        services.backgroundItems.isHeld = true;
         filterSystem.preferences.isHeld = true;
         filterSystem.properties.isHeld = true;
     }
