@@ -11,7 +11,6 @@ namespace {
 
 constexpr auto extensionInformation
     = "Library/SystemExtensions/com.brevanta.KestreluneMac.FilterExtension.systemextension/Contents/Info.plist";
-constexpr int extensionNotFoundCode = 4; // "OSSystemExtensionError" of Apple's documentation.
 
 std::optional<std::string> textIn(const PropertyListTexts& texts, std::string_view key)
 {

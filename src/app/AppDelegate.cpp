@@ -194,7 +194,9 @@ void AppDelegate::createWindow()
         .log = m_ports.log,
         .installService = [this](std::function<void()> onEnd) { m_installation->install(std::move(onEnd)); },
         .isInstalling = [this] { return m_installation->flight().isInFlight(); },
-        .activateFilter = [this](std::function<void()> onEnd) { m_menuBarController->installFilter(std::move(onEnd)); },
+        .activateFilter
+        = [this](std::function<void()> onEnd) { m_menuBarController->filterRequests().activate(std::move(onEnd)); },
+        .removeFilter = [this] { m_menuBarController->filterRequests().remove(); },
         .openFilterSettings = [this] { m_menuBarController->settingsGuide().openFilterApprovalPane(); },
         .openLoginItems = [this] { m_menuBarController->settingsGuide().openLoginItemsSettings(); },
     });

@@ -11,34 +11,21 @@ namespace brevanta {
 
 namespace {
 
-std::string describe(const FilterError& error)
-{
-    return error.domain + " " + std::to_string(error.code) + (error.message.empty() ? "" : ": " + error.message);
-}
+using Kind = LaunchActivationOutcome::Kind;
 
 std::string versionText(const ExtensionRecord& extension)
 {
     return extension.shortVersion.value_or("?") + " (" + extension.buildVersion.value_or("?") + ")";
 }
 
+FilterRequestEnd endOf(const std::expected<ExtensionRequestResult, FilterError>& result)
+{
+    if (!result)
+        return { .outcome = { .kind = Kind::failed }, .error = result.error() };
+    return { .outcome
+        = { .kind = *result == ExtensionRequestResult::completed ? Kind::completed : Kind::willCompleteAfterReboot } };
 }
 
-std::string describe(const FilterRequestEnd& end)
-{
-    const std::string replaced = end.outcome.replaced ? ", an older extension was replaced" : "";
-    switch (end.outcome.kind) {
-    case LaunchActivationOutcome::Kind::completed:
-        return "completed" + replaced;
-    case LaunchActivationOutcome::Kind::failed:
-        return "failed" + (end.error ? " (" + describe(*end.error) + ")" : std::string {}) + replaced;
-    case LaunchActivationOutcome::Kind::willCompleteAfterReboot:
-        return "will complete after a restart of the Mac";
-    case LaunchActivationOutcome::Kind::needsUserApproval:
-        return "waits for the user's approval";
-    case LaunchActivationOutcome::Kind::skipped:
-        break;
-    }
-    return end.kept == FilterRequestEnd::Kept::no ? "skipped" : "skipped, the extension is current";
 }
 
 ExtensionReplacement replacementDecision(const ExtensionRecord& existing, const ExtensionRecord& bundled)
@@ -61,6 +48,8 @@ FilterManager::FilterManager(
 void FilterManager::refresh()
 {
     const double now = m_clock.continuousSeconds();
+    if (m_request && !m_request->awaitsApproval && now - m_request->startedAt >= requestTimeout)
+        endRequest({ .outcome = { .kind = Kind::failed, .replaced = m_request->replaced } });
     if (m_preferences.mayAsk(now))
         readPreferences(now);
     const bool isDue = !m_properties.askedAt || now - *m_properties.askedAt >= propertiesInterval;
@@ -68,57 +57,62 @@ void FilterManager::refresh()
         readProperties(now);
 }
 
-void FilterManager::activate(FilterRequestReason reason, std::function<void(const FilterRequestEnd&)> onEnd)
+void FilterManager::activate(Notify notify)
 {
-    if (m_request) {
-        if (reason == FilterRequestReason::user)
-            m_request->reason = reason;
-        m_request->callers.push_back(std::move(onEnd));
-        if (m_awaitsApproval)
-            m_mainLoop.post(m_life.guard(
-                [this] { tellCallers({ .outcome = { .kind = LaunchActivationOutcome::Kind::needsUserApproval } }); }));
-        return;
-    }
-    m_log.log("[FilterManager] asking the system to activate the content filter");
+    if (m_request)
+        return join(std::move(notify));
     m_activationSubmitted = true;
-    m_request = Request { .reason = reason, .callers = { std::move(onEnd) } };
+    const auto number = begin("activate", std::move(notify));
     m_system.requestActivation({
-        // The answer is needed at once, and without an object to decide nothing is replaced.
+        // The answer is needed at once, and without a request to decide for nothing is replaced.
         .replacing =
-            [this, life = m_life.watch()](const ExtensionRecord& existing, const ExtensionRecord& bundled) {
-                return life.expired() ? ExtensionReplacement::cancel : replacing(existing, bundled);
+            [this, number, life = m_life.watch()](const ExtensionRecord& existing, const ExtensionRecord& bundled) {
+                return life.expired() || !isUnderWay(number) ? ExtensionReplacement::cancel
+                                                             : replacing(existing, bundled);
             },
-        .needsUserApproval = m_life.guard([this] { requestParked(); }),
-        .ended = m_life.guard(
-            [this](const std::expected<ExtensionRequestResult, FilterError>& result) { requestEnded(result); }),
+        .needsUserApproval = m_life.guard([this, number] {
+            if (isUnderWay(number))
+                activationParked();
+        }),
+        .ended = m_life.guard([this, number](const ExtensionResult& result) {
+            if (result) // Also when nobody waits for it any more.
+                m_needsRestart = *result == ExtensionRequestResult::willCompleteAfterReboot;
+            if (isUnderWay(number))
+                activationEnded(result);
+        }),
     });
 }
 
-void FilterManager::configure()
+void FilterManager::configure(Notify notify)
 {
-    m_system.enable(m_life.guard([this](const std::expected<void, FilterError>& result) {
-        m_log.log(result ? "[FilterManager] the content filter is configured"
-                         : "[FilterManager] the content filter could not be configured: " + describe(result.error()));
-        readAnew();
+    if (m_request)
+        return join(std::move(notify));
+    const auto number = begin("configure", std::move(notify));
+    m_system.enable(m_life.guard([this, number](const std::expected<void, FilterError>& result) {
+        if (!isUnderWay(number))
+            return;
+        if (result)
+            endRequest({ .outcome = { .kind = Kind::completed } });
+        else
+            endRequest({ .outcome = { .kind = Kind::failed }, .error = result.error() });
     }));
 }
 
-void FilterManager::remove()
+void FilterManager::remove(Notify completion)
 {
     m_log.log("[FilterManager] removing the content filter");
-    m_system.removeConfiguration(m_life.guard([this](const std::expected<void, FilterError>& result) {
-        if (!result) {
-            m_log.log("[FilterManager] the filter's configuration could not be removed: " + describe(result.error()));
-            return readAnew();
-        }
+    if (m_request)
+        endRequest({ .outcome = { .kind = Kind::skipped } });
+    const std::function<void(ExtensionResult)> ended
+        = m_life.guard([this, completion = std::move(completion)](
+                           const ExtensionResult& result) { removalEnded(result, completion); });
+    m_system.removeConfiguration(m_life.guard([this, ended](const std::expected<void, FilterError>& result) {
+        if (!result)
+            return ended(std::unexpected(result.error()));
         m_system.requestDeactivation({
             .replacing = [](const ExtensionRecord&, const ExtensionRecord&) { return ExtensionReplacement::cancel; },
             .needsUserApproval = [] {},
-            .ended = m_life.guard([this](const std::expected<ExtensionRequestResult, FilterError>& end) {
-                m_log.log(end ? "[FilterManager] the content filter is removed"
-                              : "[FilterManager] the content filter could not be removed: " + describe(end.error()));
-                readAnew();
-            }),
+            .ended = ended,
         });
     }));
 }
@@ -179,8 +173,6 @@ ExtensionReplacement FilterManager::replacing(const ExtensionRecord& existing, c
     const auto decision = replacementDecision(existing, bundled);
     m_log.log("[FilterManager] extension " + versionText(existing) + " is there, " + versionText(bundled)
         + " is bundled: " + (decision == ExtensionReplacement::replace ? "replacing it" : "keeping it"));
-    if (!m_request)
-        return decision;
     m_request->replaced = decision == ExtensionReplacement::replace;
     if (decision == ExtensionReplacement::cancel)
         m_request->kept
@@ -188,48 +180,66 @@ ExtensionReplacement FilterManager::replacing(const ExtensionRecord& existing, c
     return decision;
 }
 
-void FilterManager::requestParked()
+std::uint64_t FilterManager::begin(const char* purpose, Notify notify)
+{
+    m_log.log("[FilterManager] asking the system to " + std::string(purpose) + " the content filter");
+    m_request = Request { .number = ++m_lastRequest,
+        .purpose = purpose,
+        .startedAt = m_clock.continuousSeconds(),
+        .callers = { std::move(notify) } };
+    return m_lastRequest;
+}
+
+void FilterManager::join(Notify notify)
+{
+    m_request->callers.push_back(notify);
+    if (!m_request->awaitsApproval)
+        return;
+    m_mainLoop.post(m_life.guard([this, number = m_request->number, notify = std::move(notify)] {
+        if (isUnderWay(number))
+            notify({ .outcome = { .kind = Kind::needsUserApproval } });
+    }));
+}
+
+void FilterManager::activationParked()
 {
     m_log.log("[FilterManager] the content filter waits for the user's approval");
-    m_awaitsApproval = true;
-    tellCallers({ .outcome = { .kind = LaunchActivationOutcome::Kind::needsUserApproval } });
+    m_request->awaitsApproval = true;
+    for (const auto callers = m_request->callers; const auto& notify : callers)
+        notify({ .outcome = { .kind = Kind::needsUserApproval } });
     readAnew();
 }
 
-void FilterManager::requestEnded(const std::expected<ExtensionRequestResult, FilterError>& result)
+void FilterManager::activationEnded(const ExtensionResult& result)
 {
-    if (!m_request)
-        return;
-    using Kind = LaunchActivationOutcome::Kind;
-    m_awaitsApproval = false;
-    FilterRequestEnd end { .kept = m_request->kept };
-    if (result) {
-        end.outcome.kind
-            = *result == ExtensionRequestResult::completed ? Kind::completed : Kind::willCompleteAfterReboot;
-        end.outcome.replaced = m_request->replaced && end.outcome.kind == Kind::completed;
-    } else if (m_request->kept != FilterRequestEnd::Kept::no
-        && result.error().code == FilterSystem::requestCanceledCode) {
-        end.outcome.kind = Kind::skipped;
-    } else {
-        end.outcome = { .kind = Kind::failed, .replaced = m_request->replaced };
-        end.error = result.error();
-    }
-    m_log.log("[FilterManager] the request to activate the content filter ended: " + describe(end));
-    const bool isToBeConfigured = m_request->reason == FilterRequestReason::user && end.outcome.kind == Kind::completed;
-    tellCallers(end);
-    m_request.reset();
-    if (isToBeConfigured)
-        configure();
-    else
-        readAnew();
+    const bool isKept = m_request->kept != FilterRequestEnd::Kept::no;
+    if (isKept && !result && result.error().code == FilterSystem::requestCanceledCode)
+        return endRequest({ .outcome = { .kind = Kind::skipped }, .kept = m_request->kept });
+    auto ended = endOf(result);
+    ended.outcome.replaced = m_request->replaced && ended.outcome.kind != Kind::willCompleteAfterReboot;
+    endRequest(ended);
 }
 
-void FilterManager::tellCallers(const FilterRequestEnd& end)
+// What a caller does about the end may begin the next request.
+void FilterManager::endRequest(const FilterRequestEnd& end)
 {
-    if (!m_request)
-        return;
-    for (const auto& caller : std::exchange(m_request->callers, {}))
-        caller(end);
+    const auto request = *std::exchange(m_request, std::nullopt);
+    m_log.log("[FilterManager] the request to " + std::string(request.purpose)
+        + " the content filter ended: " + describe(end));
+    for (const auto& notify : request.callers)
+        notify(end);
+    readAnew();
+}
+
+void FilterManager::removalEnded(const ExtensionResult& result, const Notify& completion)
+{
+    const bool wasNone = !result && result.error().code == FilterSystem::extensionNotFoundCode;
+    const auto ended = endOf(wasNone ? ExtensionResult(ExtensionRequestResult::completed) : result);
+    if (ended.outcome.kind != Kind::failed)
+        m_needsRestart = ended.outcome.kind == Kind::willCompleteAfterReboot;
+    m_log.log("[FilterManager] the request to remove the content filter ended: " + describe(ended));
+    completion(ended);
+    readAnew();
 }
 
 }

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "base/LifeToken.h"
-#include "filter/LaunchActivationOutcome.h"
+#include "filter/FilterRequestEnd.h"
 #include "platform/FilterSystem.h"
 
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace brevanta {
@@ -27,23 +26,6 @@ public:
     virtual void filterPreferencesFailed(double at) = 0;
 };
 
-enum class FilterRequestReason { launch, user };
-
-// How far a request for the filter has come when its caller is told: at its end, or when it waits for the user.
-struct FilterRequestEnd {
-    // Our own check found that the extension that is there needs no replacing.
-    enum class Kept { no, extensionOff, extensionEnabled };
-
-    LaunchActivationOutcome outcome;
-    Kept kept { Kept::no };
-    std::optional<FilterError> error;
-
-    bool operator==(const FilterRequestEnd&) const = default;
-};
-
-// For the log: "completed, an older extension was replaced".
-[[nodiscard]] std::string describe(const FilterRequestEnd& end);
-
 // Whether the bundled extension is to take the place of the one that is there: unless that one is as new or newer.
 [[nodiscard]] ExtensionReplacement replacementDecision(const ExtensionRecord& existing, const ExtensionRecord& bundled);
 
@@ -52,27 +34,36 @@ struct FilterRequestEnd {
 // only.
 class FilterManager {
 public:
+    using Notify = std::function<void(const FilterRequestEnd&)>;
+
     static constexpr double questionTimeout = 10; // Seconds.
+    // Seconds after which a request has failed that the system neither ends nor lets wait for the user's approval. Long
+    // enough for the user to answer what the system asks when the filter is configured the first time.
+    static constexpr double requestTimeout = 60;
     // The system's list of extensions is asked for less often than the configuration, which is read at each pass.
     static constexpr double propertiesInterval = 10;
 
     FilterManager(FilterSystem& system, Executor& mainLoop, Clock& clock, SystemLog& log, FilterObserver& observer);
 
-    // Reads the configuration, and the extensions when they are due. `onRead` is called after each answer that counts.
+    // Reads the configuration, and the extensions when they are due, and ends a request whose time is up. `onRead` is
+    // called after each answer that counts.
     void refresh();
     void setReadHandler(std::function<void()> onRead) { m_onRead = std::move(onRead); }
 
-    // Asks the system to activate the bundled extension; while a request is under way that one is told of. `onEnd` is
-    // called once, never from inside this call. What the user started is configured once it is active.
-    void activate(FilterRequestReason reason, std::function<void(const FilterRequestEnd&)> onEnd);
+    // Asks the system to activate the bundled extension, or to switch the filter on. While a request is under way that
+    // one is joined. `notify` is called when it waits for the user's approval, at most once, and once at its end; never
+    // from inside this call.
+    void activate(Notify notify);
+    void configure(Notify notify);
 
-    // Switches the filter on.
-    void configure();
+    // Takes the configuration away, and then the extension; having none is no error. A request under way ends as
+    // skipped, from inside this call, and what the system still does for it is not followed. `completion` is called
+    // once the system has answered.
+    void remove(Notify completion);
 
-    // Takes the configuration away, and then the extension.
-    void remove();
-
-    [[nodiscard]] bool isAwaitingUserApproval() const { return m_awaitsApproval; }
+    [[nodiscard]] bool isAwaitingUserApproval() const { return m_request && m_request->awaitsApproval; }
+    // The last change that was asked for takes effect when this computer restarts.
+    [[nodiscard]] bool needsRestart() const { return m_needsRestart; }
     [[nodiscard]] bool wasActivationSubmitted() const { return m_activationSubmitted; }
     [[nodiscard]] std::optional<ExtensionRecord> bundledExtension() const { return m_system.bundledExtension(); }
 
@@ -80,9 +71,14 @@ public:
     void launchPolicySubmittedNothing();
 
 private:
+    using ExtensionResult = std::expected<ExtensionRequestResult, FilterError>;
+
     struct Request {
-        FilterRequestReason reason;
-        std::vector<std::function<void(const FilterRequestEnd&)>> callers; // Those that have not been told.
+        std::uint64_t number; // By which an answer to an earlier request is told from one to this.
+        const char* purpose; // For the log: "activate".
+        double startedAt;
+        std::vector<Notify> callers;
+        bool awaitsApproval { false };
         bool replaced { false };
         FilterRequestEnd::Kept kept { FilterRequestEnd::Kept::no };
     };
@@ -99,9 +95,13 @@ private:
     void readProperties(double now);
     void readAnew();
     [[nodiscard]] ExtensionReplacement replacing(const ExtensionRecord& existing, const ExtensionRecord& bundled);
-    void requestParked();
-    void requestEnded(const std::expected<ExtensionRequestResult, FilterError>& result);
-    void tellCallers(const FilterRequestEnd& end);
+    std::uint64_t begin(const char* purpose, Notify notify);
+    void join(Notify notify);
+    [[nodiscard]] bool isUnderWay(std::uint64_t number) const { return m_request && m_request->number == number; }
+    void activationParked();
+    void activationEnded(const ExtensionResult& result);
+    void endRequest(const FilterRequestEnd& end);
+    void removalEnded(const ExtensionResult& result, const Notify& completion);
 
     FilterSystem& m_system;
     Executor& m_mainLoop;
@@ -112,7 +112,8 @@ private:
     Question m_preferences;
     Question m_properties;
     std::optional<Request> m_request;
-    bool m_awaitsApproval { false };
+    std::uint64_t m_lastRequest { 0 };
+    bool m_needsRestart { false };
     bool m_activationSubmitted { false };
     LifeToken m_life;
 };

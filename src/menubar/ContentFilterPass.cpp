@@ -65,14 +65,13 @@ void ContentFilterPass::applyLaunchPolicy()
 void ContentFilterPass::activate()
 {
     m_activateAttempted = true;
-    m_dependencies.monitor.filterManager().activate(
-        FilterRequestReason::launch, m_life.guard([this](const FilterRequestEnd& end) {
-            m_dependencies.log.log("[MenuBar] launch upgrade request ended: " + describe(end));
-            if (end.outcome.kind == LaunchActivationOutcome::Kind::needsUserApproval)
-                m_dependencies.log.log("[MenuBar] launch upgrade parked on approval: menu relabelled, no guide");
-            settle(end.outcome);
-            m_dependencies.onRead();
-        }));
+    m_dependencies.monitor.filterManager().activate(m_life.guard([this](const FilterRequestEnd& end) {
+        m_dependencies.log.log("[MenuBar] launch upgrade request ended: " + describe(end));
+        if (end.outcome.kind == LaunchActivationOutcome::Kind::needsUserApproval)
+            m_dependencies.log.log("[MenuBar] launch upgrade parked on approval: menu relabelled, no guide");
+        settle(end.outcome);
+        m_dependencies.onRead();
+    }));
 }
 
 void ContentFilterPass::settle(const LaunchActivationOutcome& outcome)

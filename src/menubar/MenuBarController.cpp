@@ -10,7 +10,6 @@
 #include "platform/Updater.h"
 #include "setup/ComponentMonitor.h"
 #include "setup/DeviceSetupActions.h"
-#include "track/AppAlertPresenter.h"
 #include "web/PageScripts.h"
 #include "web/WebShell.h"
 
@@ -22,6 +21,11 @@ MenuBarController::MenuBarController(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
     , m_startedAt(m_dependencies.clock.continuousSeconds())
     , m_settingsGuide(m_dependencies.alerts, m_dependencies.workspace, m_dependencies.log, m_dependencies.systemVersion)
+    , m_filterRequests({ .manager = m_dependencies.monitor.filterManager(),
+          .guide = m_settingsGuide,
+          .alerts = m_dependencies.alerts,
+          .log = m_dependencies.log,
+          .changed = [this] { componentsChanged(); } })
     , m_upgradePrompt({ .alerts = m_dependencies.alerts,
           .log = m_dependencies.log,
           .decide = [this] { return m_dependencies.monitor.upgradeDecision(); },
@@ -171,8 +175,6 @@ void MenuBarController::forgetDisplay()
 void MenuBarController::componentsChanged()
 {
     refreshStatusItem();
-    if (m_dependencies.monitor.filterStatus() != FilterStatus::awaitingApproval)
-        m_settingsGuide.dismissApprovalAlert();
     m_upgradePrompt.update();
     m_dependencies.deviceSetup.componentsChanged();
 }
@@ -187,6 +189,7 @@ void MenuBarController::refreshStatusItem()
 {
     m_state.service = m_dependencies.monitor.serviceLine();
     m_state.filter = m_dependencies.monitor.filterLine();
+    m_state.filterNeedsRestart = m_dependencies.monitor.filterManager().needsRestart();
     m_dependencies.statusItem.show(statusItemContent(m_state));
 }
 
@@ -212,6 +215,7 @@ void MenuBarController::chosen(MenuItemId item)
         return;
     // Information.
     case MenuCommand::showVersion:
+    case MenuCommand::showFilterRestart:
     case MenuCommand::showBlocking:
     case MenuCommand::showActiveTask:
     case MenuCommand::showReason:
@@ -232,43 +236,10 @@ void MenuBarController::perform(ComponentAction action)
     case ComponentAction::openLoginItemsSettings:
         return m_settingsGuide.openLoginItemsSettings();
     case ComponentAction::activateFilter:
-        return installFilter([] { });
+        return m_filterRequests.activate([] { });
     case ComponentAction::openFilterApproval:
         return m_settingsGuide.openFilterApprovalPane();
     }
-}
-
-void MenuBarController::installFilter(std::function<void()> onEnd)
-{
-    m_dependencies.monitor.filterManager().activate(
-        FilterRequestReason::user, m_life.guard([this, onEnd = std::move(onEnd)](const FilterRequestEnd& end) {
-            filterRequestEnded(end);
-            componentsChanged();
-            onEnd();
-        }));
-}
-
-void MenuBarController::filterRequestEnded(const FilterRequestEnd& end)
-{
-    switch (end.kept) {
-    case FilterRequestEnd::Kept::extensionOff:
-        m_dependencies.log.log("[MenuBar] tap request cancelled by our replace check; extension off: opening the pane");
-        return m_settingsGuide.openFilterApprovalPane();
-    case FilterRequestEnd::Kept::extensionEnabled:
-        m_dependencies.log.log("[MenuBar] tap request cancelled by our replace check; extension enabled: configuring");
-        return m_dependencies.monitor.filterManager().configure();
-    case FilterRequestEnd::Kept::no:
-        break;
-    }
-    if (end.outcome.kind == LaunchActivationOutcome::Kind::needsUserApproval)
-        return m_settingsGuide.showApprovalAlert();
-    if (end.outcome.kind == LaunchActivationOutcome::Kind::failed)
-        m_dependencies.alerts.present({ .identifier = "filterActivationFailed",
-                                          .style = AlertStyle::warning,
-                                          .message = "The content filter could not be turned on",
-                                          .informativeText = describe(end),
-                                          .buttons = { "OK" } },
-            [](AlertResponse) { });
 }
 
 }

@@ -2,10 +2,10 @@
 
 #include "daemon/DaemonCredentialRecovery.h"
 #include "filter/ComponentLine.h"
-#include "filter/FilterManager.h"
 #include "menubar/CoinNotices.h"
 #include "menubar/ContentFilterPass.h"
 #include "menubar/DaemonUpgradePrompt.h"
+#include "menubar/FilterRequests.h"
 #include "menubar/FilterSettingsGuide.h"
 #include "menubar/PollLoop.h"
 #include "menubar/StatusMenu.h"
@@ -62,10 +62,6 @@ public:
     // Begins to poll. Called once.
     void start();
 
-    // Asks the system to activate the filter, or configures it. `onEnd` is called once, when the request has ended or
-    // waits for the user.
-    void installFilter(std::function<void()> onEnd);
-
     // What is known of the two components may have changed: shows it everywhere.
     void componentsChanged();
 
@@ -73,6 +69,7 @@ public:
     void showQuitHeld();
 
     [[nodiscard]] FilterSettingsGuide& settingsGuide() { return m_settingsGuide; }
+    [[nodiscard]] FilterRequests& filterRequests() { return m_filterRequests; }
 
     // How long after launch a service that does not answer counts as starting. The service's own start takes a few
     // seconds after a login; the length is that of the grace period after an install.
@@ -93,7 +90,6 @@ private:
     void signalPage(const std::string& line);
     void rememberDisplay(const BlockingStatus& status);
     void forgetDisplay();
-    void filterRequestEnded(const FilterRequestEnd& end);
     void refreshStatusItem();
     void chosen(MenuItemId item);
     void perform(ComponentAction action);
@@ -106,10 +102,10 @@ private:
     TokenWatchdog m_tokenWatchdog;
     DaemonCredentialRecovery m_credentialRecovery;
     FilterSettingsGuide m_settingsGuide;
+    FilterRequests m_filterRequests;
     DaemonUpgradePrompt m_upgradePrompt;
     ContentFilterPass m_filterPass;
     PollLoop m_pollLoop;
-    LifeToken m_life;
 };
 
 }

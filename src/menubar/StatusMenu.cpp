@@ -8,6 +8,7 @@ namespace {
 
 // The numbers by which the lines are known to the system's accessibility and scripting tools.
 constexpr int filterTag = 300;
+constexpr int filterRestartTag = 301;
 constexpr int serviceTag = 200;
 constexpr int restartTag = 201;
 constexpr int blockingTag = 100;
@@ -52,6 +53,14 @@ MenuItem restart(const ComponentLine& service)
 {
     auto item = command(MenuCommand::restartService, "Restart Blocking Service…", restartTag);
     item.visible = service.action == ComponentAction::restartService;
+    return item;
+}
+
+MenuItem filterRestart(bool isNeeded)
+{
+    auto item = information(
+        command(MenuCommand::showFilterRestart, "Content Filter: Restart this Mac to finish", filterRestartTag));
+    item.visible = isNeeded;
     return item;
 }
 
@@ -116,6 +125,7 @@ StatusItemContent statusItemContent(const StatusMenuState& state)
             enabledIf(
                 withKey(command(MenuCommand::reloadWindow, "Reload"), "r"), state.webShell == Availability::available),
             component(MenuCommand::contentFilter, filterTag, state.filter),
+            filterRestart(state.filterNeedsRestart),
             component(MenuCommand::blockingService, serviceTag, state.service),
             restart(state.service),
             separator(),

@@ -15,6 +15,7 @@ enum class MenuCommand : int {
     checkForUpdates,
     reloadWindow,
     contentFilter,
+    showFilterRestart,
     blockingService,
     restartService,
     showBlocking,
@@ -37,6 +38,7 @@ struct StatusMenuState {
     std::optional<std::string> blockReason;
     ComponentLine service;
     ComponentLine filter;
+    bool filterNeedsRestart { false }; // What was asked of the filter takes effect when this computer restarts.
     Availability updater { Availability::absent };
     Availability webShell { Availability::absent };
     QuitLine quit { QuitLine::offered };

@@ -54,8 +54,9 @@ struct ExtensionRequestObserver {
 // after the call has returned, unless the system is destroyed first.
 class FilterSystem {
 public:
-    // OSSystemExtensionErrorRequestCanceled and OSSystemExtensionErrorRequestSuperseded, "OSSystemExtensionError" of
-    // Apple's documentation.
+    // OSSystemExtensionErrorExtensionNotFound, OSSystemExtensionErrorRequestCanceled and
+    // OSSystemExtensionErrorRequestSuperseded, "OSSystemExtensionError" of Apple's documentation.
+    static constexpr int extensionNotFoundCode = 4;
     static constexpr int requestCanceledCode = 11;
     static constexpr int requestSupersededCode = 12;
 

@@ -75,7 +75,7 @@ bool DeviceSetupActions::isFilterRemovable() const
     return !m_dependencies.services.isProgramInstalled() && m_dependencies.monitor.isFilterPresent();
 }
 
-void DeviceSetupActions::removeFilter() { m_dependencies.monitor.filterManager().remove(); }
+void DeviceSetupActions::removeFilter() { m_dependencies.removeFilter(); }
 
 void DeviceSetupActions::launched(ServiceProgram program)
 {

@@ -31,8 +31,9 @@ public:
         // Begins an install of the service, or joins the one under way; calls back once when it has ended.
         std::function<void(std::function<void()>)> installService;
         std::function<bool()> isInstalling; // Whoever began it.
-        // Calls back once when the activation has ended, or waits for the user.
+        // Calls back once when the filter has been activated and configured, or has not, or waits for the user.
         std::function<void(std::function<void()>)> activateFilter;
+        std::function<void()> removeFilter;
         std::function<void()> openFilterSettings;
         std::function<void()> openLoginItems;
     };

@@ -14,12 +14,11 @@ using Kind = LaunchActivationOutcome::Kind;
 using Kept = FilterRequestEnd::Kept;
 
 struct RecordingObserver final : FilterObserver {
-    void filterPropertiesRead(std::vector<ExtensionRecord>, double at) override { propertiesAt.push_back(at); }
-    void filterPropertiesFailed(double at) override { propertiesAt.push_back(-at); }
+    void filterPropertiesRead(std::vector<ExtensionRecord>, double) override { }
+    void filterPropertiesFailed(double) override { }
     void filterPreferencesRead(const FilterPreferences&, double at) override { preferencesAt.push_back(at); }
-    void filterPreferencesFailed(double at) override { preferencesAt.push_back(-at); }
+    void filterPreferencesFailed(double) override { }
 
-    std::vector<double> propertiesAt; // Negative for a failure.
     std::vector<double> preferencesAt;
 };
 
@@ -30,9 +29,9 @@ ExtensionRecord extension(const char* shortVersion, const char* buildVersion, bo
 
 class FilterManagerTest : public testing::Test {
 protected:
-    void activate(FilterRequestReason reason)
+    void activate()
     {
-        manager.activate(reason, [this](const FilterRequestEnd& end) { ends.push_back(end); });
+        manager.activate([this](const FilterRequestEnd& end) { ends.push_back(end); });
         mainLoop.runPosted();
     }
 
@@ -70,37 +69,38 @@ TEST_F(FilterManagerTest, EachQuestionIsOpenOnceAndGivenUpAfterTenSeconds)
     EXPECT_EQ(observer.preferencesAt, std::vector { 1010.1 }) << "the time of the question";
 }
 
-TEST_F(FilterManagerTest, FailuresAreObservedToo)
+TEST_F(FilterManagerTest, ARequestThatWaitsForTheUserIsJoinedAndEachCallerIsToldOfItsEndToo)
 {
-    system.preferences.result = std::unexpected(FilterError { "x", 1, {} });
-    system.properties.result = std::unexpected(FilterError { "x", 1, {} });
-    manager.refresh();
-    mainLoop.runPosted();
-    EXPECT_EQ(observer.preferencesAt, std::vector { -1000.0 });
-    EXPECT_EQ(observer.propertiesAt, std::vector { -1000.0 });
-}
-
-TEST_F(FilterManagerTest, WhatTheUserStartedIsParkedOnApprovalAndConfiguredInTheEnd)
-{
-    activate(FilterRequestReason::user);
+    activate();
     request().needUserApproval();
     mainLoop.runPosted();
-    EXPECT_TRUE(manager.isAwaitingUserApproval());
-    ASSERT_EQ(ends.size(), 1U);
-    EXPECT_EQ(ends[0].outcome.kind, Kind::needsUserApproval);
-
-    activate(FilterRequestReason::user);
+    activate();
     EXPECT_EQ(system.requests.size(), 1U) << "one is under way";
-    ASSERT_EQ(ends.size(), 2U);
-    EXPECT_EQ(ends[1].outcome.kind, Kind::needsUserApproval);
-
+    mainLoop.advance(FilterManager::requestTimeout);
+    manager.refresh();
+    EXPECT_TRUE(manager.isAwaitingUserApproval()) << "the user may take any time";
     const int asked = system.preferences.asked;
     request().end(ExtensionRequestResult::completed);
     mainLoop.runPosted();
     EXPECT_FALSE(manager.isAwaitingUserApproval());
-    EXPECT_EQ(system.enabling.asked, 1);
     EXPECT_GT(system.preferences.asked, asked) << "what is true now is not what was read before";
-    EXPECT_EQ(ends.size(), 2U) << "each caller is told once";
+    ASSERT_EQ(ends.size(), 4U);
+    EXPECT_EQ(ends[1].outcome.kind, Kind::needsUserApproval);
+    EXPECT_EQ(ends[3].outcome.kind, Kind::completed);
+}
+
+TEST_F(FilterManagerTest, WhatComesTooLateIsNotTakenForTheNextRequests)
+{
+    activate();
+    mainLoop.advance(FilterManager::requestTimeout);
+    manager.refresh();
+    EXPECT_EQ(ends, std::vector { FilterRequestEnd { .outcome = { .kind = Kind::failed } } });
+    activate();
+    system.requests[0].needUserApproval();
+    system.requests[0].askWhetherToReplace(extension("1.2.2", "7"), extension("1.2.3", "7"));
+    mainLoop.runPosted();
+    EXPECT_EQ(system.requests[0].replacement(), ExtensionReplacement::cancel);
+    EXPECT_EQ(ends.size(), 1U);
 }
 
 TEST_F(FilterManagerTest, HowARequestEnds)
@@ -110,36 +110,27 @@ TEST_F(FilterManagerTest, HowARequestEnds)
         std::optional<ExtensionRecord> existing; // Which the system asks about.
         std::expected<ExtensionRequestResult, FilterError> result;
         FilterRequestEnd expected;
-        const char* described;
     };
     const auto bundled = extension("1.2.3", "7");
     const FilterError denied { "OSSystemExtensionErrorDomain", 4, "denied" };
+    const FilterRequestEnd replaced { .outcome = { .kind = Kind::completed, .replaced = true } };
     const Row rows[] {
-        { "first of all", {}, ExtensionRequestResult::completed, { .outcome = { .kind = Kind::completed } },
-            "completed" },
-        { "an older one", extension("1.2.2", "9"), ExtensionRequestResult::completed,
-            { .outcome = { .kind = Kind::completed, .replaced = true } },
-            "completed, an older extension was replaced" },
-        { "an older build", extension("1.2.3", "6"), ExtensionRequestResult::completed,
-            { .outcome = { .kind = Kind::completed, .replaced = true } },
-            "completed, an older extension was replaced" },
-        { "not comparable", extension("1.2.3-beta", "7"), ExtensionRequestResult::completed,
-            { .outcome = { .kind = Kind::completed, .replaced = true } },
-            "completed, an older extension was replaced" },
+        { "first of all", {}, ExtensionRequestResult::completed, { .outcome = { .kind = Kind::completed } } },
+        { "an older one", extension("1.2.2", "9"), ExtensionRequestResult::completed, replaced },
+        { "an older build", extension("1.2.3", "6"), ExtensionRequestResult::completed, replaced },
+        { "not comparable", extension("1.2.3-beta", "7"), ExtensionRequestResult::completed, replaced },
         { "the same", bundled, ExtensionRequestResult::completed,
-            { .outcome = { .kind = Kind::skipped }, .kept = Kept::extensionEnabled },
-            "skipped, the extension is current" },
+            { .outcome = { .kind = Kind::skipped }, .kept = Kept::extensionEnabled } },
         { "a newer one that is off", extension("1.3", "1", false), ExtensionRequestResult::completed,
-            { .outcome = { .kind = Kind::skipped }, .kept = Kept::extensionOff }, "skipped, the extension is current" },
+            { .outcome = { .kind = Kind::skipped }, .kept = Kept::extensionOff } },
         { "reboot", {}, ExtensionRequestResult::willCompleteAfterReboot,
-            { .outcome = { .kind = Kind::willCompleteAfterReboot } }, "will complete after a restart of the Mac" },
-        { "refused", {}, std::unexpected(denied), { .outcome = { .kind = Kind::failed }, .error = denied },
-            "failed (OSSystemExtensionErrorDomain 4: denied)" },
+            { .outcome = { .kind = Kind::willCompleteAfterReboot } } },
+        { "refused", {}, std::unexpected(denied), { .outcome = { .kind = Kind::failed }, .error = denied } },
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         ends.clear();
-        activate(FilterRequestReason::launch);
+        activate();
         if (row.existing)
             request().askWhetherToReplace(*row.existing, bundled);
         if (row.expected.kept == Kept::no) // Keeping what is there ends the request.
@@ -147,25 +138,38 @@ TEST_F(FilterManagerTest, HowARequestEnds)
         mainLoop.runPosted();
         ASSERT_EQ(ends.size(), 1U);
         EXPECT_EQ(ends[0], row.expected);
-        EXPECT_EQ(describe(ends[0]), row.described);
     }
-    EXPECT_EQ(system.enabling.asked, 0) << "nobody asked for more than the replacement";
 }
 
-TEST_F(FilterManagerTest, RemovalTakesTheConfigurationFirst)
+TEST_F(FilterManagerTest, ARemovalTakesTheConfigurationFirstAndLeavesNothingOfARequest)
 {
-    system.removal.result = std::unexpected(FilterError { "x", 1, {} });
-    manager.remove();
-    mainLoop.runPosted();
+    const auto remove = [this] {
+        ends.clear();
+        manager.remove([this](const FilterRequestEnd& end) { ends.push_back(end); });
+        mainLoop.runPosted();
+    };
+    const FilterError refused { "x", 1, {} };
+    system.removal.result = std::unexpected(refused);
+    remove();
     EXPECT_TRUE(system.requests.empty()) << "a filter that is configured keeps its extension";
+    EXPECT_EQ(ends, std::vector { FilterRequestEnd({ .outcome = { .kind = Kind::failed }, .error = refused }) });
     system.removal.result = {};
-    manager.remove();
+    activate();
+    request().needUserApproval();
     mainLoop.runPosted();
-    ASSERT_EQ(system.requests.size(), 1U);
+    remove();
+    EXPECT_FALSE(manager.isAwaitingUserApproval()) << "nothing is to be approved any more";
+    EXPECT_EQ(ends, std::vector { FilterRequestEnd { .outcome = { .kind = Kind::skipped } } });
+    ASSERT_EQ(system.requests.size(), 2U);
     EXPECT_EQ(request().kind, FakeFilterSystem::RequestKind::deactivation);
-    request().end(ExtensionRequestResult::completed);
+    request().end(ExtensionRequestResult::willCompleteAfterReboot);
     mainLoop.runPosted();
-    EXPECT_EQ(log.lines.back(), "[FilterManager] the content filter is removed");
+    EXPECT_TRUE(manager.needsRestart());
+    remove();
+    request().end(std::unexpected(FilterError { "x", FilterSystem::extensionNotFoundCode, {} }));
+    mainLoop.runPosted();
+    EXPECT_EQ(ends.at(0).outcome.kind, Kind::completed) << "there was only a configuration";
+    EXPECT_FALSE(manager.needsRestart());
 }
 
 }

@@ -342,26 +342,11 @@ TEST_F(MenuBarControllerTest, EachRemedyOfTheServiceIsOneChoiceAway)
         std::vector<std::string> { "x-apple.systempreferences:com.apple.LoginItems-Settings.extension" });
 }
 
-TEST_F(MenuBarControllerTest, TheFilterIsAskedForByTheUserAndLedToItsApproval)
-{
-    components.systemAnswers({}, {});
-    start();
-    EXPECT_EQ(this->settled, std::vector { LaunchActivationOutcome {} });
-    statusItem.choose("⚠ Install Content Filter…");
-    ASSERT_EQ(components.filterSystem.requests.size(), 1u);
-    components.filterSystem.requests[0].needUserApproval();
-    settle();
-    ASSERT_EQ(components.panel.presented.size(), 1u);
-    EXPECT_EQ(components.panel.presented[0].message, "Approve the Brevanta content filter");
-    statusItem.choose("⚠ Approve Content Filter in System Settings…");
-    settle();
-    EXPECT_EQ(components.workspace.opened.size(), 1u);
-}
-
 TEST_F(MenuBarControllerTest, AFilterThatIsCurrentIsConfiguredOrLedToItsPane)
 {
     components.systemAnswers({}, {});
     start();
+    EXPECT_EQ(this->settled, std::vector { LaunchActivationOutcome {} });
     const auto tap = [this](bool enabled) {
         auto existing = activeExtension;
         existing.isEnabled = enabled;
@@ -376,6 +361,75 @@ TEST_F(MenuBarControllerTest, AFilterThatIsCurrentIsConfiguredOrLedToItsPane)
     tap(true);
     EXPECT_TRUE(logs("[MenuBar] tap request cancelled by our replace check; extension enabled: configuring"));
     EXPECT_EQ(components.filterSystem.enabling.asked, 1);
+}
+
+TEST_F(MenuBarControllerTest, HoweverARequestForTheFilterEndsTheUserIsToldOnceAndMayAskAgain)
+{
+    struct Row {
+        const char* name;
+        bool isParked;
+        std::optional<std::expected<ExtensionRequestResult, FilterError>> end; // Nothing: it never comes.
+        std::optional<std::expected<void, FilterError>> saving;
+        std::vector<std::string> told;
+    };
+    const std::string approve = "Approve the Brevanta content filter";
+    const std::string failed = "The content filter could not be turned on";
+    const FilterError refused { "OSSystemExtensionErrorDomain", 10, "OSSystemExtensionErrorDomain error 10" };
+    const FilterError notSaved { "NEFilterErrorDomain", 5, {} };
+    const auto completed = ExtensionRequestResult::completed;
+    const Row rows[] {
+        { "refused", false, std::unexpected(refused), {}, { failed } },
+        { "refused after the approval", true, std::unexpected(refused), {}, { approve, failed } },
+        { "a restart", true, ExtensionRequestResult::willCompleteAfterReboot, {}, { "Restart this Mac" } },
+        { "no answer", false, {}, {}, { failed } },
+        { "not saved", true, completed, std::unexpected(notSaved), { failed } },
+        { "no answer to the saving", false, completed, {}, { failed } },
+        { "all is well", true, completed, std::expected<void, FilterError> {}, {} },
+    };
+    auto& filterSystem = components.filterSystem;
+    components.systemAnswers({}, {});
+    start();
+    std::size_t requested = 0;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        components.panel.presented.clear();
+        filterSystem.enabling.isHeld = !row.saving;
+        filterSystem.enabling.result = row.saving.value_or(std::expected<void, FilterError> {});
+        int ended = 0;
+        for (int caller = 0; caller < 2; ++caller)
+            controller->filterRequests().activate([&] { ++ended; });
+        ASSERT_EQ(filterSystem.requests.size(), ++requested);
+        if (row.isParked)
+            filterSystem.requests.back().needUserApproval();
+        if (row.end)
+            filterSystem.requests.back().end(*row.end);
+        for (int second = 0; second <= FilterManager::requestTimeout; second += 2)
+            tick();
+        EXPECT_EQ(ended, 2);
+        std::vector<std::string> told;
+        for (const auto& alert : components.panel.presented) {
+            told.push_back(alert.message);
+            EXPECT_EQ(alert.informativeText.find("ErrorDomain"), std::string::npos) << alert.informativeText;
+        }
+        EXPECT_EQ(told, row.told) << "the approval is explained once";
+        components.panel.answer({ .end = AlertEnd::button, .button = 0 });
+    }
+    filterSystem.removal.result = std::unexpected(refused);
+    controller->filterRequests().remove();
+    tick();
+    EXPECT_EQ(components.panel.presented.back().message, "The content filter could not be removed");
+}
+
+TEST_F(MenuBarControllerTest, AReplacementAtLaunchThatNeedsARestartSaysSoInTheMenu)
+{
+    components.filterSystem.bundled = ExtensionRecord { .shortVersion = "2.0", .buildVersion = "1" };
+    components.systemAnswers({ activeExtension }, filterSwitchedOn);
+    start();
+    EXPECT_FALSE(statusItem.visibleTitle(301));
+    components.filterSystem.requests.at(0).end(ExtensionRequestResult::willCompleteAfterReboot);
+    settle();
+    EXPECT_EQ(statusItem.visibleTitle(301), "Content Filter: Restart this Mac to finish");
+    EXPECT_TRUE(components.panel.presented.empty()) << "the user asked for nothing";
 }
 
 TEST_F(MenuBarControllerTest, NothingHappensOnceItHasGone)

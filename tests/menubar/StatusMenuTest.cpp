@@ -69,7 +69,7 @@ TEST(StatusMenu, TheOrderAndTheTagsNeverChange)
         std::vector<int> tags;
         for (const auto& item : statusItemContent(state).menu.items)
             tags.push_back(item.tag);
-        EXPECT_EQ(tags, (std::vector { 0, 0, 0, 0, 300, 200, 201, 0, 100, 102, 101, 0, 400 }));
+        EXPECT_EQ(tags, (std::vector { 0, 0, 0, 0, 300, 301, 200, 201, 0, 100, 102, 101, 0, 400 }));
     }
 }
 

@@ -74,6 +74,7 @@ struct ComponentBench {
             },
         .isInstalling = [this] { return installer.inFlight; },
         .activateFilter = [this](std::function<void()> onEnd) { endFilterActivation = std::move(onEnd); },
+        .removeFilter = [] {},
         .openFilterSettings = [this] { settingsOpened.emplace_back("filter"); },
         .openLoginItems = [this] { settingsOpened.emplace_back("login items"); } } };
 };

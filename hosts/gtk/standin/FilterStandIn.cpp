@@ -12,7 +12,6 @@ using Json = nlohmann::json;
 
 // "OSSystemExtensionError" and "NEFilterManagerError" of Apple's documentation.
 constexpr int extensionUnknownCode = 1;
-constexpr int extensionNotFoundCode = 4;
 constexpr int configurationPermissionDeniedCode = 5;
 constexpr int configurationInternalErrorCode = 6;
 
@@ -172,7 +171,7 @@ ExtensionRequestOutcome deactivate(FilterStandIn standIn)
         return failed(std::move(standIn), code);
     }
     if (standIn.copies.empty())
-        return failed(std::move(standIn), extensionNotFoundCode);
+        return failed(std::move(standIn), FilterSystem::extensionNotFoundCode);
     if (standIn.behaviour.requests == RequestAnswer::reboot) {
         for (auto& copy : standIn.copies)
             copy.isUninstalling = true;
