@@ -55,10 +55,10 @@ void AppDelegate::applicationDidFinishLaunching()
         .workspace = m_ports.workspace });
     if (m_locationGate->check(m_ports.location()) == LaunchPermission::refused)
         return;
-    m_ports.lifecycle.setActivationPolicy(ActivationPolicy::regular);
-    createDaemonClient();
     installNotificationSounds(m_ports.files, m_ports.log, m_ports.resources, m_ports.home);
     startUpdater();
+    m_ports.lifecycle.setActivationPolicy(ActivationPolicy::regular);
+    createDaemonClient();
     m_notices = std::make_unique<Notices>(Notices::Dependencies {
         .mainLoop = m_ports.mainLoop,
         .clock = m_ports.clock,

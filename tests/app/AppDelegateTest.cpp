@@ -14,6 +14,7 @@
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
 #include "install/InstallScript.h"
+#include "support/StatusReply.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -35,6 +36,14 @@ protected:
         mainLoop.runPosted();
     }
 
+    // What the trusted page posts, once there is one.
+    void hear(const std::string& message)
+    {
+        webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
+        webView.configuration->messageHandlers.at(0).handler.messageArrived(
+            { message, { true, "https", "www.example.com" } });
+    }
+
     [[nodiscard]] bool hasLine(const std::string& line) const
     {
         return std::ranges::find(log.lines, line) != log.lines.end();
@@ -46,6 +55,16 @@ protected:
         const auto found = urls.find(text);
         return found != urls.end() ? std::optional(found->second) : std::nullopt;
     }
+
+    // Keeps the calls that a test of an order is about; one that only repeats the call before is left out.
+    void note(const std::string& call)
+    {
+        if (std::ranges::find(expected, call) != expected.end() && (calls.empty() || calls.back() != call))
+            calls.push_back(call);
+    }
+
+    std::vector<std::string> expected;
+    std::vector<std::string> calls;
 
     // Usable once it is among the URLs.
     static constexpr auto updaterFeed = "https://updates.example.com/";
@@ -88,7 +107,11 @@ protected:
             [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
             [this](const std::string& text) { return parseUrl(text); }, "/Applications/Brevanta.app/Contents/Resources",
             "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator, crashReporter, "staging", updater,
-            updaterFeed, std::string(43, 'A') + "=", loginItem, programs, [this] { return location; } },
+            updaterFeed, std::string(43, 'A') + "=", loginItem, programs,
+            [this] {
+                note("location");
+                return location;
+            } },
         BuildConfiguration { .version = "0.121.0",
             .bundleIdentifier = "com.example.Client",
             .root = "/",
@@ -104,28 +127,77 @@ protected:
 
 }
 
-TEST_F(AppDelegateTest, LaunchMakesARegularApplicationThatPollsAndShowsItsWindow)
+TEST_F(AppDelegateTest, TheLaunchKeepsItsOrder)
 {
-    launch();
-    EXPECT_EQ(lifecycle.policy, ActivationPolicy::regular);
-    EXPECT_EQ(sockets.paths, std::vector<std::string> { "/the/socket" });
-    EXPECT_EQ(statusItem.visibleTitle(100), "Blocking service starting");
-    EXPECT_TRUE(window.isVisible());
-    EXPECT_EQ(lifecycle.activations, 1);
-    EXPECT_TRUE(hasLine("[Launch] seconds since console login=unknown → showsWindow=true"));
-}
-
-TEST_F(AppDelegateTest, CrashReportingStartsBeforeAllElse)
-{
+    urls[updaterFeed] = { .text = updaterFeed, .scheme = "https", .host = "updates.example.com", .path = "/" };
     urls["https://key@crashes.example/7"] = { .text = "https://key@crashes.example/7",
         .scheme = "https",
         .user = "key",
         .host = "crashes.example",
         .path = "/7" };
+    expected = { "[CrashReporting]", "location", "[NotificationSounds]", "updater", "activation policy", "window",
+        "timer of 5.000000", "menu", "[Launch]", "[ShellLoad] prepared", "location", "service program",
+        "/usr/bin/mdfind", "service program" };
+    for (Recorded* const fake : std::initializer_list<Recorded*> {
+             &updater, &lifecycle, &window, &mainLoop, &statusItem, &services, &programs })
+        fake->onCall = [this](const std::string& call) { note(call); };
+    log.onCall = [this](const std::string& line) {
+        const auto tag = line.substr(0, line.find(']') + 1);
+        note(tag);
+        note(line.substr(0, line.find(" →")));
+        if (tag != "[Launch]")
+            return;
+        // The hold ends within the launch, so that the first load tells when the window was prepared.
+        statusItem.onCall = {};
+        mainLoop.advance(5);
+    };
     launch();
-    ASSERT_EQ(crashReporter.starts.size(), 1u);
+    EXPECT_EQ(calls, expected);
     EXPECT_EQ(crashReporter.starts.front().release, "com.example.Client@0.121.0");
     EXPECT_EQ(log.lines.front(), "[CrashReporting] started (host=crashes.example, environment=staging)");
+    EXPECT_EQ(lifecycle.policy, ActivationPolicy::regular);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(webView.loads, (std::vector<FakeWebView::Load> { { "https://www.example.com/", 20 } }));
+    EXPECT_EQ(sockets.paths, std::vector<std::string> { "/the/socket" });
+    EXPECT_TRUE(hasLine("[LoginItem] registered after the 1st attempt"));
+}
+
+TEST_F(AppDelegateTest, AStatusIsHandedOnInOneOrder)
+{
+    const auto alert = [](int id) {
+        return Json { { "alert_id", id }, { "kind", "timer" }, { "notification_title", "t" }, { "body", "b" },
+            { "sound_prefix", "task-timer" }, { "expires_in_seconds", 60 } };
+    };
+    const auto answer = [this](const Json& additions) {
+        sockets.pieces.push_back(statusReply(additions).dump() + '\n');
+        queue.runAll();
+        mainLoop.runPosted();
+    };
+    sockets.peer = FakeLocalSockets::Peer::listens;
+    launch();
+    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
+    mainLoop.advance(2);
+    answer({ { "energy", 12 }, { "pending_local_alerts", { alert(1) } } });
+    sharedStateQueue.runAll();
+    pageScriptQueue.runAll();
+    mainLoop.advance(2);
+
+    expected = { "state file", "removal", "task-timer-2", "[DaemonUpgrade] daemon 0.121.0 is current", "low-lp",
+        "auth_token_invalid: signalled SPA to re-forward daemon token",
+        "daemon has no credential: signalled SPA to forward daemon token", "menu", "page" };
+    for (Recorded* const fake : std::initializer_list<Recorded*> { &notifications, &log, &statusItem })
+        fake->onCall = [this](const std::string& call) { note(call); };
+    sharedStateQueue.onCall = [this](const std::string&) { note("state file"); };
+    pageScriptQueue.onCall = [this](const std::string&) { note("page"); };
+    webView.onCall = [this](const std::string& script) {
+        if (script.contains("kestrelune_removal_state"))
+            note("removal");
+    };
+    answer({ { "energy", 8 }, { "low_lp_threshold", 10 }, { "notify_macos_low_lp", true },
+        { "pending_local_alerts", { alert(2) } }, { "daemon_version", "0.121.0" }, { "auth_token_invalid", true },
+        { "has_device_token", false },
+        { "removal", { { "state", "pending" }, { "launch", "L" }, { "launch_order", 1 }, { "seq", 1 } } } });
+    EXPECT_EQ(calls, expected);
 }
 
 TEST_F(AppDelegateTest, RightAfterLoginTheWindowStaysHidden)
@@ -208,9 +280,7 @@ TEST_F(AppDelegateTest, TheUpdaterServesMenuAndPageAndItsRelaunchWaitsForAnInsta
     ASSERT_EQ(updater.starts, 1);
     statusItem.choose("Check for Updates…");
     EXPECT_EQ(updater.checksNow, 1);
-    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
-    webView.configuration->messageHandlers.at(0).handler.messageArrived(
-        { R"({"type":"set_updater_auto_checks_on"})", { true, "https", "www.example.com" } });
+    hear(R"({"type":"set_updater_auto_checks_on"})");
     EXPECT_TRUE(updater.checks);
 
     int relaunches = 0;
@@ -232,10 +302,7 @@ TEST_F(AppDelegateTest, NothingThatThePageSaysReachesTheInstallScript)
     files.replaceFromOutside(paths.bundledProgram, "service");
     files.replaceFromOutside(paths.bundledPropertyList, "list");
     launch();
-    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
-    webView.configuration->messageHandlers.at(0).handler.messageArrived(
-        { R"json({"type":"setup_install_service","bundledProgram":"/tmp/'; id #","account":"$(id)","root":"/tmp"})json",
-            { true, "https", "www.example.com" } });
+    hear(R"json({"type":"setup_install_service","bundledProgram":"/tmp/'; id #","account":"$(id)","root":"/tmp"})json");
     EXPECT_EQ(administrator.runs,
         (std::vector<FakeAdministrator::Run> {
             { .script = installScript(paths), .prompt = std::string(installPrompt) } }));
@@ -244,9 +311,7 @@ TEST_F(AppDelegateTest, NothingThatThePageSaysReachesTheInstallScript)
 TEST_F(AppDelegateTest, ThePagesInstallFailsWithAnAlertWithoutTheFilesOfTheBundle)
 {
     launch();
-    webView.commit({ .text = {}, .scheme = "https", .host = "www.example.com" });
-    webView.configuration->messageHandlers.at(0).handler.messageArrived(
-        { R"({"type":"setup_install_service"})", { true, "https", "www.example.com" } });
+    hear(R"({"type":"setup_install_service"})");
     ASSERT_EQ(alerts.presented.size(), 1U);
     EXPECT_EQ(alerts.presented[0].message, "Installation Failed");
     EXPECT_TRUE(administrator.runs.empty());
@@ -268,16 +333,6 @@ TEST_F(AppDelegateTest, TheLaunchLeadsBrowsersToTheNativeMessagingHostWithoutWai
                                   "HOST='/Applications/Brevanta.app/Contents/MacOS/brevanta-native-host'\n"
                                   "if [ ! -r '/Library/LaunchDaemons' ] "));
     EXPECT_TRUE(launcher.contains(", prod)"));
-}
-
-TEST_F(AppDelegateTest, TheFirstLoadFollowsThePreparedWindowAndTheReleasedHold)
-{
-    launch();
-    EXPECT_TRUE(window.built);
-    EXPECT_EQ(webView.loads, (std::vector<FakeWebView::Load> { { "https://www.example.com/", 20 } }));
-    EXPECT_TRUE(std::ranges::any_of(log.lines, [](const std::string& line) {
-        return line.starts_with("[ShellLoad] released (filter activation settled) → phase=provisional");
-    }));
 }
 
 TEST_F(AppDelegateTest, TheMenusReloadAndOpenReachThePage)
@@ -399,25 +454,6 @@ TEST_F(AppDelegateTest, InTheWrongPlaceNothingIsBuiltAndEveryEventIsSurvived)
     mainLoop.runPosted();
     EXPECT_EQ(lifecycle.terminations, 1);
     delegate.applicationWillTerminate();
-}
-
-TEST_F(AppDelegateTest, LaunchTellsTheSystemOfTheApplication)
-{
-    programs.ends.result = "/Applications/Brevanta.app\n/Old/Brevanta.app\n";
-    launch();
-    EXPECT_TRUE(hasLine("[LoginItem] registered after the 1st attempt"));
-    ASSERT_EQ(programs.runs.size(), 2U);
-    EXPECT_EQ(programs.runs[0].program, "/usr/bin/mdfind");
-    EXPECT_EQ(programs.runs[1].arguments, (std::vector<std::string> { "-u", "/Old/Brevanta.app" }));
-}
-
-TEST_F(AppDelegateTest, EventsBeforeThereIsAWindowAreSurvived)
-{
-    delegate.applicationWillFinishLaunching();
-    delegate.applicationDidBecomeActive();
-    delegate.systemDidWake();
-    delegate.applicationShouldReopen();
-    EXPECT_EQ(window.timesShown, 0);
 }
 
 }

@@ -30,6 +30,7 @@ void FakeMainLoop::post(std::function<void()> work)
 
 std::unique_ptr<Timer> FakeMainLoop::startTimer(double seconds, TimerRepeat repeat, std::function<void()> callback)
 {
+    told("timer of " + std::to_string(seconds));
     const double delay = seconds > 0 ? seconds : 0;
     auto entry
         = std::make_shared<Entry>(Entry { m_clock.continuousSeconds() + delay, delay, repeat, std::move(callback) });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fakes/FakeClock.h"
+#include "fakes/Recorded.h"
 #include "platform/MainLoop.h"
 
 #include <condition_variable>
@@ -13,7 +14,7 @@ namespace brevanta {
 
 // A main loop on virtual time: nothing happens until the test runs it. Posting is thread-safe, the rest is the test
 // thread's. Advancing the loop advances the clock with it.
-class FakeMainLoop final : public MainLoop {
+class FakeMainLoop final : public MainLoop, public Recorded {
 public:
     explicit FakeMainLoop(FakeClock& clock)
         : m_clock(clock)

@@ -12,6 +12,7 @@ namespace brevanta {
 void FakeSystemLog::log(std::string_view line)
 {
     EXPECT_TRUE(beginsWithItsTag(line)) << line;
+    told(std::string(line));
     const std::lock_guard lock(m_mutex);
     lines.emplace_back(line);
 }
@@ -19,6 +20,7 @@ void FakeSystemLog::log(std::string_view line)
 void FakeSystemLog::writeStandardError(std::string_view line)
 {
     EXPECT_TRUE(isWatchdogLine(line)) << line;
+    told(std::string(line));
     const std::lock_guard lock(m_mutex);
     standardError.emplace_back(line);
 }
@@ -52,6 +54,7 @@ void FakeUserDefaults::remove(std::string_view key)
 
 void FakeStatusItem::show(const StatusItemContent& newContent)
 {
+    told("menu");
     if (newContent != content)
         ++changes;
     content = newContent;
@@ -98,7 +101,11 @@ void FakeAlertPanel::answer(AlertResponse response)
     m_open.erase(m_open.begin());
 }
 
-void FakeMainWindow::build(const MainWindowLayout& layout) { built = layout; }
+void FakeMainWindow::build(const MainWindowLayout& layout)
+{
+    told("window");
+    built = layout;
+}
 
 void FakeMainWindow::showInFront()
 {
@@ -151,6 +158,7 @@ void FakeNotificationCenter::add(
     added.push_back(notification);
     m_mainLoop.post([onEnd = std::move(onEnd), error = failure] {
         if (error)
+    told(notification.identifier);
             onEnd(std::unexpected(*error));
         else
             onEnd({});

@@ -2,6 +2,7 @@
 
 #include "base/Executor.h"
 #include "base/LifeToken.h"
+#include "fakes/Recorded.h"
 #include "platform/AlertPanel.h"
 #include "platform/ApplicationLifecycle.h"
 #include "platform/LoginRecords.h"
@@ -25,7 +26,7 @@ namespace brevanta {
 
 // The smaller fakes: each records what it was told, in order. Answers are posted to the main loop, as the ports ask.
 
-class FakeSystemLog final : public SystemLog {
+class FakeSystemLog final : public SystemLog, public Recorded {
 public:
     void log(std::string_view line) override;
     void writeStandardError(std::string_view line) override;
@@ -52,7 +53,7 @@ private:
     std::map<std::string, DefaultsValue, std::less<>> m_values;
 };
 
-class FakeStatusItem final : public StatusItem {
+class FakeStatusItem final : public StatusItem, public Recorded {
 public:
     void show(const StatusItemContent& content) override;
     void setChoiceHandler(std::function<void(MenuItemId)> handler) override { m_handler = std::move(handler); }
@@ -90,9 +91,17 @@ public:
 private:
     Executor& m_mainLoop;
     std::vector<std::pair<Alert, std::function<void(AlertResponse)>>> m_open;
+    struct Open {
+        std::string identifier;
+        std::function<void(AlertResponse)> onEnd;
+        bool isLeaving { false }; // It counts as on screen until its end has been told.
+    };
+
+    void end(const std::string& identifier, AlertResponse response);
+
 };
 
-class FakeMainWindow final : public MainWindow {
+class FakeMainWindow final : public MainWindow, public Recorded {
 public:
     void build(const MainWindowLayout& layout) override;
     void showInFront() override;
@@ -176,7 +185,7 @@ private:
     std::optional<LifeToken> m_registration; // Of the handler.
 };
 
-class FakeNotificationCenter final : public NotificationCenter {
+class FakeNotificationCenter final : public NotificationCenter, public Recorded {
 public:
     explicit FakeNotificationCenter(Executor& mainLoop)
         : m_mainLoop(mainLoop)
@@ -220,9 +229,13 @@ public:
     std::optional<double> loginTime;
 };
 
-class FakeApplicationLifecycle final : public ApplicationLifecycle {
+class FakeApplicationLifecycle final : public ApplicationLifecycle, public Recorded {
 public:
-    void setActivationPolicy(ActivationPolicy newPolicy) override { policy = newPolicy; }
+    void setActivationPolicy(ActivationPolicy newPolicy) override
+    {
+        told("activation policy");
+        policy = newPolicy;
+    }
     void activate() override { ++activations; }
     void terminate() override { ++terminations; }
     void answerTermination(TerminationAnswer answer) override { answers.push_back(answer); }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "fakes/FakeAnswers.h"
+#include "fakes/Recorded.h"
 #include "platform/ProgramRunner.h"
 
 namespace brevanta {
 
 // Runs nothing: each run ends as `ends.result` says, posted to the main loop, or once the test has it end.
-class FakeProgramRunner final : public ProgramRunner {
+class FakeProgramRunner final : public ProgramRunner, public Recorded {
 public:
     struct Run {
         std::string program;
@@ -24,6 +25,7 @@ public:
     void run(const std::string& program, const std::vector<std::string>& arguments, double seconds,
         std::function<void(std::expected<std::string, ProgramError>)> onEnd) override
     {
+        told(program);
         runs.push_back({ .program = program, .arguments = arguments, .seconds = seconds });
         ends.ask(std::move(onEnd));
     }

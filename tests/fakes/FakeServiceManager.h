@@ -1,12 +1,13 @@
 #pragma once
 
 #include "fakes/FakeAnswers.h"
+#include "fakes/Recorded.h"
 #include "platform/ServiceManager.h"
 
 namespace brevanta {
 
 // Questions are answered with what `launchChecks.result` and `backgroundItems.result` hold, posted to the main loop.
-class FakeServiceManager final : public ServiceManager {
+class FakeServiceManager final : public ServiceManager, public Recorded {
 public:
     explicit FakeServiceManager(Executor& mainLoop)
         : launchChecks(mainLoop)
@@ -23,7 +24,11 @@ public:
     {
         backgroundItems.ask(std::move(onEnd));
     }
-    [[nodiscard]] bool isProgramInstalled() const override { return programIsInstalled; }
+    [[nodiscard]] bool isProgramInstalled() const override
+    {
+        told("service program");
+        return programIsInstalled;
+    }
 
     FakeAnswers<std::optional<LaunchCheck>> launchChecks;
     FakeAnswers<BackgroundItem> backgroundItems;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fakes/Recorded.h"
 #include "platform/Updater.h"
 
 #include <utility>
@@ -7,10 +8,11 @@
 namespace brevanta {
 
 // Records what it was told.
-class FakeUpdater final : public Updater {
+class FakeUpdater final : public Updater, public Recorded {
 public:
     void start(RelaunchHandler newHandler) override
     {
+        told("updater");
         ++starts;
         handler = std::move(newHandler);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fakes/Recorded.h"
 #include "platform/WebView.h"
 
 #include <optional>
@@ -8,7 +9,7 @@
 namespace brevanta {
 
 // An engine whose navigations go as the test says.
-class FakeWebView final : public WebView {
+class FakeWebView final : public WebView, public Recorded {
 public:
     struct Load {
         std::string url;
@@ -27,7 +28,11 @@ public:
         ++reloads;
         return begin();
     }
-    void evaluate(const std::string& script) override { scripts.push_back(script); }
+    void evaluate(const std::string& script) override
+    {
+        told(script);
+        scripts.push_back(script);
+    }
     [[nodiscard]] std::optional<Url> committedUrl() const override { return committed; }
     void setInspectable(Inspectable newInspectable) override { inspectable = newInspectable; }
     void detach() override { isDetached = true; }

@@ -1,15 +1,20 @@
 #pragma once
 
 #include "base/Executor.h"
+#include "fakes/Recorded.h"
 
 #include <deque>
 
 namespace brevanta {
 
 // A queue whose work runs when the test says so. While it runs, the test thread counts as the queue's thread.
-class ManualExecutor final : public Executor {
+class ManualExecutor final : public Executor, public Recorded {
 public:
-    void post(std::function<void()> work) override { m_work.push_back(std::move(work)); }
+    void post(std::function<void()> work) override
+    {
+        told("post");
+        m_work.push_back(std::move(work));
+    }
 
     // Runs the oldest piece of work; false when there is none.
     bool runOne();
