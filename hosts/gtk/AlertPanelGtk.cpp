@@ -40,7 +40,7 @@ void AlertPanelGtk::present(const Alert& alert, std::function<void(AlertResponse
         return;
     }
     const auto dialog = newDialog(alert);
-    m_open.emplace(alert.identifier, OpenAlert { dialog, std::move(onEnd) });
+    m_open.emplace(alert.identifier, OpenAlert { .dialog = dialog, .onEnd = std::move(onEnd) });
     dialog->signal_response().connect([this, identifier = alert.identifier, buttonCount = alert.buttons.size()](
                                           int number) { end(identifier, responseOf(number, buttonCount)); });
     dialog->present();
@@ -69,12 +69,15 @@ std::shared_ptr<Gtk::MessageDialog> AlertPanelGtk::newDialog(const Alert& alert)
 
 void AlertPanelGtk::end(const std::string& identifier, AlertResponse response)
 {
-    auto ended = m_open.extract(identifier);
-    if (ended.empty())
+    const auto open = m_open.find(identifier);
+    if (open == m_open.end() || std::exchange(open->second.isLeaving, true))
         return;
-    ended.mapped().dialog->hide();
+    open->second.dialog->hide();
     // The dialog may be in the middle of its own signal, so it goes later too.
-    m_mainThread.post([alert = std::move(ended.mapped()), response] { alert.onEnd(response); });
+    m_mainThread.post(m_life.guard([this, identifier, response] {
+        const auto ended = m_open.extract(identifier);
+        ended.mapped().onEnd(response);
+    }));
 }
 
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/LifeToken.h"
 #include "platform/AlertPanel.h"
 
 #include <gtkmm.h>
@@ -27,6 +28,7 @@ private:
     struct OpenAlert {
         std::shared_ptr<Gtk::MessageDialog> dialog;
         std::function<void(AlertResponse)> onEnd;
+        bool isLeaving { false }; // It is hidden, and its end is about to be told.
     };
 
     [[nodiscard]] std::shared_ptr<Gtk::MessageDialog> newDialog(const Alert& alert);
@@ -35,6 +37,7 @@ private:
     Gtk::Window& m_mainWindow;
     Executor& m_mainThread;
     std::map<std::string, OpenAlert> m_open;
+    LifeToken m_life;
 };
 
 }

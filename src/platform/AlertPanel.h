@@ -35,7 +35,7 @@ public:
 
     // Shows the alert and returns at once. `onEnd` is called exactly once, on the main thread, after this call has
     // returned, unless the panel is destroyed first. An alert whose identifier is on screen already ends as withdrawn
-    // without being shown.
+    // without being shown; one that has left the screen may count as being there until its end has been told.
     virtual void present(const Alert& alert, std::function<void(AlertResponse)> onEnd) = 0;
 
     // Takes the alert off the screen; it ends as withdrawn, after this call has returned. Does nothing when no such

@@ -23,8 +23,10 @@ void AppAlertPresenter::present(const Alert& alert, std::function<void(AlertResp
 
 void AppAlertPresenter::withdraw(const std::string& identifier)
 {
-    if (m_shown && m_shown->alert.identifier == identifier)
+    if (isShown(identifier)) {
+        endLater(std::exchange(m_shown->onEnd, nullptr));
         return m_panel.withdraw(identifier);
+    }
     const auto waiting = std::ranges::find(
         m_waiting, identifier, [](const Entry& entry) -> const std::string& { return entry.alert.identifier; });
     if (waiting == m_waiting.end())
@@ -33,9 +35,14 @@ void AppAlertPresenter::withdraw(const std::string& identifier)
     m_waiting.erase(waiting);
 }
 
+bool AppAlertPresenter::isShown(const std::string& identifier) const
+{
+    return m_shown && m_shown->onEnd && m_shown->alert.identifier == identifier;
+}
+
 bool AppAlertPresenter::isKnown(const std::string& identifier) const
 {
-    return (m_shown && m_shown->alert.identifier == identifier)
+    return isShown(identifier)
         || std::ranges::any_of(m_waiting, [&](const Entry& entry) { return entry.alert.identifier == identifier; });
 }
 
@@ -53,7 +60,8 @@ void AppAlertPresenter::ended(AlertResponse response)
     const auto entry = std::exchange(m_shown, std::nullopt);
     // The next one first: what the answer brings about comes behind it.
     showNext();
-    entry->onEnd(response);
+    if (entry->onEnd)
+        entry->onEnd(response);
 }
 
 void AppAlertPresenter::endLater(std::function<void(AlertResponse)> onEnd)

@@ -77,28 +77,31 @@ std::optional<std::string> FakeStatusItem::visibleTitle(int tag) const
 
 void FakeAlertPanel::present(const Alert& alert, std::function<void(AlertResponse)> onEnd)
 {
-    if (std::ranges::any_of(m_open, [&](const auto& open) { return open.first.identifier == alert.identifier; }))
+    if (std::ranges::find(m_open, alert.identifier, &Open::identifier) != m_open.end())
         return m_mainLoop.post([onEnd = std::move(onEnd)] { onEnd({ AlertEnd::withdrawn, 0 }); });
     presented.push_back(alert);
-    m_open.emplace_back(alert, std::move(onEnd));
+    m_open.push_back({ alert.identifier, std::move(onEnd) });
 }
 
-void FakeAlertPanel::withdraw(const std::string& identifier)
-{
-    const auto found
-        = std::ranges::find_if(m_open, [&](const auto& open) { return open.first.identifier == identifier; });
-    if (found == m_open.end())
-        return;
-    m_mainLoop.post([onEnd = std::move(found->second)] { onEnd({ AlertEnd::withdrawn, 0 }); });
-    m_open.erase(found);
-}
+void FakeAlertPanel::withdraw(const std::string& identifier) { end(identifier, { AlertEnd::withdrawn, 0 }); }
 
 void FakeAlertPanel::answer(AlertResponse response)
 {
-    if (m_open.empty())
+    if (const auto oldest = std::ranges::find(m_open, false, &Open::isLeaving); oldest != m_open.end())
+        end(oldest->identifier, response);
+}
+
+void FakeAlertPanel::end(const std::string& identifier, AlertResponse response)
+{
+    const auto open = std::ranges::find(m_open, identifier, &Open::identifier);
+    if (open == m_open.end() || std::exchange(open->isLeaving, true))
         return;
-    m_mainLoop.post([onEnd = std::move(m_open.front().second), response] { onEnd(response); });
-    m_open.erase(m_open.begin());
+    m_mainLoop.post([this, identifier, response] {
+        const auto ended = std::ranges::find(m_open, identifier, &Open::identifier);
+        const auto onEnd = std::move(ended->onEnd);
+        m_open.erase(ended);
+        onEnd(response);
+    });
 }
 
 void FakeMainWindow::build(const MainWindowLayout& layout)
@@ -155,10 +158,10 @@ void FakeWorkspace::openFolder(const std::string& path, std::function<void(OpenO
 void FakeNotificationCenter::add(
     const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd)
 {
+    told(notification.identifier);
     added.push_back(notification);
     m_mainLoop.post([onEnd = std::move(onEnd), error = failure] {
         if (error)
-    told(notification.identifier);
             onEnd(std::unexpected(*error));
         else
             onEnd({});

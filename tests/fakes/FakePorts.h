@@ -86,11 +86,11 @@ public:
     // Ends the oldest alert on screen.
     void answer(AlertResponse response);
 
+    [[nodiscard]] std::size_t onScreen() const { return m_open.size(); }
+
     std::vector<Alert> presented;
 
 private:
-    Executor& m_mainLoop;
-    std::vector<std::pair<Alert, std::function<void(AlertResponse)>>> m_open;
     struct Open {
         std::string identifier;
         std::function<void(AlertResponse)> onEnd;
@@ -99,6 +99,8 @@ private:
 
     void end(const std::string& identifier, AlertResponse response);
 
+    Executor& m_mainLoop;
+    std::vector<Open> m_open;
 };
 
 class FakeMainWindow final : public MainWindow, public Recorded {

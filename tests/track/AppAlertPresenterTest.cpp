@@ -75,4 +75,25 @@ TEST_F(AppAlertPresenterTest, WhatIsWithdrawnIsNeitherShownNorKeepsTheNextWaitin
     EXPECT_EQ(ends, (Texts { "b withdrawn", "a withdrawn" }));
 }
 
+TEST_F(AppAlertPresenterTest, AnAlertThatLeavesTheScreenKeepsItsSuccessorOfTheSameNameFromNothing)
+{
+    present("a");
+    presenter.withdraw("a");
+    present("a");
+    EXPECT_EQ(shown(), Texts { "a" }) << "its predecessor is still on screen";
+    answer();
+    EXPECT_EQ(shown(), (Texts { "a", "a" }));
+    EXPECT_EQ(ends, Texts { "a withdrawn" });
+
+    // The user presses a button of one that is withdrawn before that is known.
+    panel.answer({ .end = AlertEnd::button, .button = 0 });
+    presenter.withdraw("a");
+    present("a");
+    presenter.withdraw("a");
+    present("b");
+    mainLoop.runPosted();
+    EXPECT_EQ(shown(), (Texts { "a", "a", "b" }));
+    EXPECT_EQ(ends, Texts(3, "a withdrawn")) << "each ends once, and as it was told to";
+}
+
 }
