@@ -199,6 +199,7 @@ void AppDelegate::createWindow()
         .removeFilter = [this] { m_menuBarController->filterRequests().remove(); },
         .openFilterSettings = [this] { m_menuBarController->settingsGuide().openFilterApprovalPane(); },
         .openLoginItems = [this] { m_menuBarController->settingsGuide().openLoginItemsSettings(); },
+        .onboardingChanged = [this] { m_menuBarController->onboardingChanged(); },
     });
     m_removal = std::make_unique<RemovalShellController>(*m_daemonClient, m_installation->flight(), m_ports.log);
     m_webViewWindow = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/LifeToken.h"
-#include "install/DaemonUpgradePolicy.h"
+#include "filter/DaemonHealth.h"
 
 #include <functional>
 #include <optional>
@@ -11,13 +11,14 @@ namespace brevanta {
 class AppAlertPresenter;
 class SystemLog;
 
-// Offers to update an older blocking service, once per process. Main thread only.
+// Offers to update an older blocking service, once per process; an offer that was taken back before it was answered is
+// made again. Main thread only.
 class DaemonUpgradePrompt {
 public:
     struct Dependencies {
         AppAlertPresenter& alerts;
         SystemLog& log;
-        std::function<std::optional<DaemonUpgradePolicy::Decision>()> decide; // Nothing: not decidable yet.
+        std::function<DaemonHealth::State()> serviceState;
         std::function<bool()> isOnboarding; // Whether the page leads the user through the set-up.
         std::function<void()> beginInstall;
     };
@@ -28,11 +29,16 @@ public:
     void update();
 
 private:
+    using Upgrade = DaemonUpgradePolicy::Upgrade;
+
+    [[nodiscard]] bool isOutdated(const DaemonHealth::State& state) const;
+    void offer(const Upgrade& upgrade);
+    void takeBack();
     void updateChosen();
 
     Dependencies m_dependencies;
     bool m_isShown { false }; // It was, in this process.
-    bool m_isOnScreen { false };
+    std::optional<Upgrade> m_offer; // On screen, or about to be.
     LifeToken m_life;
 };
 

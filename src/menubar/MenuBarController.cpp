@@ -28,7 +28,7 @@ MenuBarController::MenuBarController(Dependencies dependencies)
           .changed = [this] { componentsChanged(); } })
     , m_upgradePrompt({ .alerts = m_dependencies.alerts,
           .log = m_dependencies.log,
-          .decide = [this] { return m_dependencies.monitor.upgradeDecision(); },
+          .serviceState = [this] { return m_dependencies.monitor.serviceState(); },
           .isOnboarding = [this] { return m_dependencies.deviceSetup.isOnboardingActive(); },
           .beginInstall = [this] { m_dependencies.installer.begin(); } })
     , m_filterPass({ .monitor = m_dependencies.monitor,

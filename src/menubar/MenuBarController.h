@@ -65,6 +65,9 @@ public:
     // What is known of the two components may have changed: shows it everywhere.
     void componentsChanged();
 
+    // The page has begun to lead the user through the set-up, or no longer does.
+    void onboardingChanged() { m_upgradePrompt.update(); }
+
     // The user has quit the application, which goes on until the install under way has ended.
     void showQuitHeld();
 

@@ -93,8 +93,10 @@ void DeviceSetupActions::componentsChanged()
 
 void DeviceSetupActions::setOnboarding(bool active)
 {
-    if (std::exchange(m_onboardingActive, active) != active)
-        componentsChanged();
+    if (std::exchange(m_onboardingActive, active) == active)
+        return;
+    m_dependencies.onboardingChanged();
+    componentsChanged();
 }
 
 void DeviceSetupActions::begin(std::string_view action, const Start& start)

@@ -36,6 +36,7 @@ public:
         std::function<void()> removeFilter;
         std::function<void()> openFilterSettings;
         std::function<void()> openLoginItems;
+        std::function<void()> onboardingChanged; // The page has begun to lead the user through the set-up, or ended.
     };
 
     explicit DeviceSetupActions(Dependencies dependencies);

@@ -200,6 +200,21 @@ TEST_F(AppDelegateTest, AStatusIsHandedOnInOneOrder)
     EXPECT_EQ(calls, expected);
 }
 
+TEST_F(AppDelegateTest, TheUpdateOfferMakesWayForOnboardingAtOnceAndIsNotLost)
+{
+    sockets.peer = FakeLocalSockets::Peer::listens;
+    sockets.pieces.push_back(statusReply().dump() + '\n');
+    launch();
+    ASSERT_EQ(alerts.onScreen(), 1U);
+    hear(R"({"type":"setup_onboarding_started"})");
+    EXPECT_EQ(log.lines.back(), "[DaemonUpgrade] onboarding started: dismissing the update prompt until it ends");
+    hear(R"({"type":"setup_onboarding_ended"})");
+    EXPECT_EQ(alerts.presented.size(), 1U) << "the first one has not left the screen yet";
+    mainLoop.runPosted();
+    EXPECT_EQ(alerts.presented.size(), 2U);
+    EXPECT_EQ(alerts.onScreen(), 1U);
+}
+
 TEST_F(AppDelegateTest, RightAfterLoginTheWindowStaysHidden)
 {
     loginRecords.loginTime = clock.wallSeconds() - 30;

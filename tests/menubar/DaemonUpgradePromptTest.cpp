@@ -12,6 +12,11 @@ namespace {
 
 using namespace DaemonUpgradePolicy;
 
+DaemonHealth::State running(const Decision& decision)
+{
+    return DaemonHealth::Running { .version = std::nullopt, .upgrade = decision };
+}
+
 class DaemonUpgradePromptTest : public testing::Test {
 protected:
     void update()
@@ -31,12 +36,12 @@ protected:
     FakeAlertPanel panel { mainLoop };
     FakeSystemLog log;
     AppAlertPresenter alerts { panel, mainLoop };
-    std::optional<Decision> decision { Upgrade { "1.0", "1.1" } };
+    DaemonHealth::State state { running(Upgrade { "1.0", "1.1" }) };
     bool onboarding { false };
     int installs { 0 };
     DaemonUpgradePrompt prompt { { .alerts = alerts,
         .log = log,
-        .decide = [this] { return decision; },
+        .serviceState = [this] { return state; },
         .isOnboarding = [this] { return onboarding; },
         .beginInstall = [this] { ++installs; } } };
 };
@@ -48,14 +53,13 @@ constexpr std::size_t later = 1;
 
 TEST_F(DaemonUpgradePromptTest, AnOlderServiceIsOfferedAnUpdateOnce)
 {
-    for (const auto& nothingToOffer : { std::optional<Decision> {}, std::optional<Decision> { Current { "1.1" } },
-             std::optional<Decision> { NewerInstalled { "2", "1.1" } },
-             std::optional<Decision> { Unknown { "x", "1.1" } } }) {
-        decision = nothingToOffer;
+    for (const auto& nothingToOffer : { DaemonHealth::State { DaemonHealth::Checking {} }, running(Current { "1.1" }),
+             running(NewerInstalled { "2", "1.1" }), running(Unknown { "x", "1.1" }) }) {
+        state = nothingToOffer;
         update();
         EXPECT_TRUE(panel.presented.empty());
     }
-    decision = Upgrade { "1.0", "1.1" };
+    state = running(Upgrade { "1.0", "1.1" });
     update();
     update();
     ASSERT_EQ(panel.presented.size(), 1U);
@@ -72,22 +76,40 @@ TEST_F(DaemonUpgradePromptTest, AnOlderServiceIsOfferedAnUpdateOnce)
 TEST_F(DaemonUpgradePromptTest, UpdateNowGoesByWhatIsTrueThen)
 {
     update();
-    decision = std::nullopt;
+    state = DaemonHealth::Checking {};
     press(updateNow);
     EXPECT_EQ(
         log.lines.back(), "[MenuBar] Update Now: daemon state not decidable yet; the offer returns on the next poll");
-    decision = Upgrade { "1.0", "1.1" };
+    state = running(Upgrade { "1.0", "1.1" });
     update();
     ASSERT_EQ(panel.presented.size(), 2U);
-    decision = Current { "1.1" };
+    state = running(Current { "1.1" });
     press(updateNow);
     EXPECT_EQ(log.lines.back(), "[MenuBar] Update Now: nothing to update any more");
     EXPECT_EQ(installs, 0);
 }
 
-TEST_F(DaemonUpgradePromptTest, UpdateNowInstalls)
+TEST_F(DaemonUpgradePromptTest, AnOfferThatIsNoLongerTrueGoesAndComesBackWithWhatIs)
 {
+    for (const auto& untrue : { DaemonHealth::State { DaemonHealth::NotInstalled {} },
+             DaemonHealth::State { DaemonHealth::Starting {} }, running(Current { "1.1" }) }) {
+        state = running(Upgrade { "1.0", "1.1" });
+        update();
+        const auto offers = panel.presented.size();
+        state = DaemonHealth::Unreachable {};
+        update();
+        EXPECT_EQ(panel.onScreen(), 1U) << "it may still be the older one";
+        state = untrue;
+        update();
+        EXPECT_EQ(panel.onScreen(), 0U);
+        EXPECT_EQ(panel.presented.size(), offers);
+    }
+    state = running(Upgrade { "1.0", "1.1" });
     update();
+    state = running(Upgrade { std::nullopt, "1.1" });
+    update();
+    EXPECT_EQ(panel.onScreen(), 1U);
+    EXPECT_TRUE(panel.presented.back().informativeText.contains("is an older version"));
     press(updateNow);
     EXPECT_EQ(installs, 1);
 }
@@ -101,8 +123,8 @@ TEST_F(DaemonUpgradePromptTest, TheOfferMakesWayForTheSetUpAndComesBackAfterIt)
     update();
     ASSERT_EQ(panel.presented.size(), 1U);
     onboarding = true;
-    update();
-    update();
+    prompt.update();
+    prompt.update();
     EXPECT_EQ(log.lines,
         std::vector<std::string> { "[DaemonUpgrade] onboarding started: dismissing the update prompt until it ends" });
     onboarding = false;

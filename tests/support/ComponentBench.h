@@ -76,7 +76,8 @@ struct ComponentBench {
         .activateFilter = [this](std::function<void()> onEnd) { endFilterActivation = std::move(onEnd); },
         .removeFilter = [] {},
         .openFilterSettings = [this] { settingsOpened.emplace_back("filter"); },
-        .openLoginItems = [this] { settingsOpened.emplace_back("login items"); } } };
+        .openLoginItems = [this] { settingsOpened.emplace_back("login items"); },
+        .onboardingChanged = [] {} } };
 };
 
 inline const ExtensionRecord activeExtension { .isEnabled = true, .shortVersion = "1.2.3", .buildVersion = "7" };
