@@ -253,7 +253,7 @@ void AppDelegate::createMenuBarController()
         .monitor = *m_monitor,
         .deviceSetup = *m_deviceSetup,
         .installer = m_installation->flight(),
-        .webShell = m_webViewWindow.get(),
+        .webShell = *m_webViewWindow,
         .updater = m_updater,
         .consumers = statusConsumers(),
         .version = m_configuration.version,

@@ -6,6 +6,11 @@
 
 namespace brevanta {
 
+bool DaemonCredentialRecovery::lacksCredential(const BlockingStatus& status)
+{
+    return status.hasDeviceToken == false && !status.accountDeletedAt;
+}
+
 bool DaemonCredentialRecovery::shouldSignal(const BlockingStatus& status, double now)
 {
     if (status.daemonBootId) {
@@ -14,8 +19,7 @@ bool DaemonCredentialRecovery::shouldSignal(const BlockingStatus& status, double
         m_lastBootId = status.daemonBootId;
     }
 
-    const bool lacksCredential = status.hasDeviceToken == false && !status.accountDeletedAt;
-    if (!lacksCredential) {
+    if (!lacksCredential(status)) {
         reset();
         return false;
     }

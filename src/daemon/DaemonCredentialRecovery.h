@@ -12,6 +12,9 @@ struct BlockingStatus;
 // starts the sequence anew.
 class DaemonCredentialRecovery {
 public:
+    // Of an account that has been deleted none is expected.
+    [[nodiscard]] static bool lacksCredential(const BlockingStatus& status);
+
     // Takes the newest status into account. `now` is in seconds of any clock that does not go backwards.
     [[nodiscard]] bool shouldSignal(const BlockingStatus& status, double now);
 

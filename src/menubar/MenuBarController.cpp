@@ -10,12 +10,16 @@
 #include "platform/Updater.h"
 #include "setup/ComponentMonitor.h"
 #include "setup/DeviceSetupActions.h"
-#include "web/PageScripts.h"
 #include "web/WebShell.h"
 
 #include <nlohmann/json.hpp>
 
 namespace brevanta {
+
+static bool wantsToken(const BlockingStatus& status)
+{
+    return status.authTokenInvalid.value_or(false) || DaemonCredentialRecovery::lacksCredential(status);
+}
 
 MenuBarController::MenuBarController(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
@@ -40,7 +44,6 @@ MenuBarController::MenuBarController(Dependencies dependencies)
 {
     m_state.version = m_dependencies.version;
     m_state.updater = m_dependencies.updater ? Availability::available : Availability::absent;
-    m_state.webShell = m_dependencies.webShell ? Availability::available : Availability::absent;
     m_dependencies.statusItem.setChoiceHandler([this](MenuItemId item) { chosen(item); });
     refreshStatusItem();
 }
@@ -87,13 +90,14 @@ void MenuBarController::statusArrived(const std::shared_ptr<const BlockingStatus
         consumer->consume(status);
     m_dependencies.monitor.pollSucceeded(*status, startedAt);
     postCoinNotices(*status);
+    if (!wantsToken(*status))
+        m_dependencies.webShell.withdrawTokenRequest();
     runTokenWatchdog(TokenWatchdog::Polled {
         .tokenInvalid = status->authTokenInvalid.value_or(false), .now = m_dependencies.clock.wallSeconds() });
     requestCredentialIfMissing(*status);
     rememberDisplay(*status);
     componentsChanged();
-    if (m_dependencies.webShell)
-        m_dependencies.webShell->pushBlockingStatus(status);
+    m_dependencies.webShell.pushBlockingStatus(status);
 }
 
 void MenuBarController::statusFailed(const DaemonFailure& failure, double startedAt)
@@ -133,11 +137,10 @@ void MenuBarController::runTokenWatchdog(const TokenWatchdog::Event& event)
             signalPage(signal->line);
         } else if (const auto* write = std::get_if<TokenWatchdog::WriteStandardError>(&command)) {
             m_dependencies.log.writeStandardError(write->line);
-        } else if (m_dependencies.webShell) {
-            if (m_dependencies.webShell->recover() == RecoverAnswer::started)
-                runTokenWatchdog(TokenWatchdog::RecoverStarted { m_dependencies.clock.wallSeconds() });
-            else
-                runTokenWatchdog(TokenWatchdog::RecoverDeferred {});
+        } else if (m_dependencies.webShell.recover() == RecoverAnswer::started) {
+            runTokenWatchdog(TokenWatchdog::RecoverStarted { m_dependencies.clock.wallSeconds() });
+        } else {
+            runTokenWatchdog(TokenWatchdog::RecoverDeferred {});
         }
     }
 }
@@ -148,12 +151,11 @@ void MenuBarController::requestCredentialIfMissing(const BlockingStatus& status)
         signalPage("daemon has no credential: signalled SPA to forward daemon token");
 }
 
-// The line says that the page was asked, so it is written only when there was a page to ask.
+// The line tells what the watchdog did. Whether a page could hear it by then is the shell's to mend.
 void MenuBarController::signalPage(const std::string& line)
 {
-    auto* shell = m_dependencies.webShell;
-    if (shell && shell->evaluate(std::string(PageScripts::tokenRefresh)) == ScriptDelivery::handedOver)
-        m_dependencies.log.writeStandardError(line);
+    m_dependencies.webShell.requestToken();
+    m_dependencies.log.writeStandardError(line);
 }
 
 void MenuBarController::rememberDisplay(const BlockingStatus& status)
@@ -199,9 +201,7 @@ void MenuBarController::chosen(MenuItemId item)
     case MenuCommand::openWindow:
         return m_dependencies.openWindow();
     case MenuCommand::reloadWindow:
-        if (m_dependencies.webShell)
-            m_dependencies.webShell->reload();
-        return;
+        return m_dependencies.webShell.reload();
     case MenuCommand::quit:
         return m_dependencies.quit();
     case MenuCommand::contentFilter:

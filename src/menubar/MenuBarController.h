@@ -45,7 +45,7 @@ public:
         ComponentMonitor& monitor;
         DeviceSetupActions& deviceSetup;
         ServiceInstaller& installer;
-        WebShell* webShell; // Null while the client has no web application to show.
+        WebShell& webShell;
         Updater* updater { nullptr }; // Null when updates are not configured.
         std::vector<StatusConsumer*> consumers; // In the order in which each status is handed to them.
         std::string version;

@@ -122,8 +122,7 @@ StatusItemContent statusItemContent(const StatusMenuState& state)
             information(command(MenuCommand::showVersion, "Brevanta " + state.version)),
             enabledIf(
                 command(MenuCommand::checkForUpdates, "Check for Updates…"), state.updater == Availability::available),
-            enabledIf(
-                withKey(command(MenuCommand::reloadWindow, "Reload"), "r"), state.webShell == Availability::available),
+            withKey(command(MenuCommand::reloadWindow, "Reload"), "r"),
             component(MenuCommand::contentFilter, filterTag, state.filter),
             filterRestart(state.filterNeedsRestart),
             component(MenuCommand::blockingService, serviceTag, state.service),

@@ -40,7 +40,6 @@ struct StatusMenuState {
     ComponentLine filter;
     bool filterNeedsRestart { false }; // What was asked of the filter takes effect when this computer restarts.
     Availability updater { Availability::absent };
-    Availability webShell { Availability::absent };
     QuitLine quit { QuitLine::offered };
 };
 

@@ -23,12 +23,12 @@ public:
     struct RecoverDeferred { };
     using Event = std::variant<Polled, RecoverStarted, RecoverDeferred>;
 
-    // Ask the page for a fresh token; `line` goes to standard error when the page was asked.
+    // Ask the page for a fresh token; `line` goes to standard error.
     struct SignalPage {
         std::string line;
         bool operator==(const SignalPage&) const = default;
     };
-    // Ask the web shell to reload and answer with RecoverStarted or RecoverDeferred; with no shell, with neither.
+    // Ask the web shell to reload and answer with RecoverStarted or RecoverDeferred.
     struct RecoverShell {
         bool operator==(const RecoverShell&) const = default;
     };

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "web/WebShell.h"
-
 #include <string>
 
 namespace brevanta {
+
+enum class ScriptDelivery { handedOver, refused };
 
 class SystemLog;
 class TrustedOrigins;

@@ -1,13 +1,11 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 namespace brevanta {
 
 struct BlockingStatus;
 
-enum class ScriptDelivery { handedOver, refused };
 enum class RecoverAnswer { started, deferred };
 
 // The web application in its window, as far as the poll loop and the menu need it. Main thread only.
@@ -15,8 +13,10 @@ class WebShell {
 public:
     virtual ~WebShell() = default;
 
-    // Evaluates the script in the page without waiting for a result; refused while there is no trusted page.
-    [[nodiscard]] virtual ScriptDelivery evaluate(const std::string& script) = 0;
+    // Asks the page to forward the user's token: at once, and if no page could hear that, as soon as the trusted page
+    // is there, unless the request is withdrawn before.
+    virtual void requestToken() = 0;
+    virtual void withdrawTokenRequest() = 0;
 
     // Asks for a reload because the page's sign-in has gone stale; deferred while a load is under way.
     [[nodiscard]] virtual RecoverAnswer recover() = 0;

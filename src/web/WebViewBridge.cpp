@@ -33,6 +33,7 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
     , m_dependencies(std::move(dependencies))
     , m_delivery(m_dependencies.webView, m_origins, m_dependencies.log)
     , m_blockingStatus(m_dependencies.pageScriptQueue, m_dependencies.mainLoop, m_delivery)
+    , m_tokenRequest(m_delivery)
     , m_accountMessages(
           m_dependencies.daemonClient, m_dependencies.removal, m_dependencies.reminders, m_dependencies.log)
     , m_stateMessages({ m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal,
@@ -116,6 +117,7 @@ void WebViewBridge::didCommit(const WebNavigation& navigation)
 {
     m_stateMessages.forgetDelivered();
     m_blockingStatus.forgetDelivered();
+    m_tokenRequest.documentChanged();
     if (m_loadObserver)
         m_loadObserver->didCommit(navigation);
     m_dependencies.deviceSetup.pageChanged();
@@ -126,6 +128,7 @@ void WebViewBridge::didFinish(const WebNavigation& navigation)
     if (m_loadObserver)
         m_loadObserver->didFinish(navigation);
     m_blockingStatus.forgetDelivered(); // What came before the page was complete may have found nobody listening.
+    m_tokenRequest.documentEnded();
     requestOnboardingState();
     if (m_isNavigationPending && m_isNavigationPending())
         navigationIsPending();
@@ -135,6 +138,7 @@ void WebViewBridge::didFail(const WebNavigation& navigation, const WebError& err
 {
     if (m_loadObserver)
         m_loadObserver->didFail(navigation, error);
+    m_tokenRequest.documentEnded();
     requestOnboardingState();
 }
 
@@ -142,6 +146,7 @@ void WebViewBridge::contentProcessDidTerminate()
 {
     m_stateMessages.forgetDelivered();
     m_blockingStatus.forgetDelivered();
+    m_tokenRequest.documentChanged();
     if (m_loadObserver)
         m_loadObserver->contentProcessDidTerminate();
     m_dependencies.deviceSetup.pageChanged();
@@ -149,12 +154,14 @@ void WebViewBridge::contentProcessDidTerminate()
 
 void WebViewBridge::navigationIsPending()
 {
-    m_dependencies.mainLoop.post(m_life.guard([this] { deliver(std::string(PageScripts::navigationPending)); }));
+    m_dependencies.mainLoop.post(
+        m_life.guard([this] { m_delivery.deliver(std::string(PageScripts::navigationPending)); }));
 }
 
 void WebViewBridge::requestOnboardingState()
 {
-    m_dependencies.mainLoop.post(m_life.guard([this] { deliver(std::string(PageScripts::requestOnboardingState)); }));
+    m_dependencies.mainLoop.post(
+        m_life.guard([this] { m_delivery.deliver(std::string(PageScripts::requestOnboardingState)); }));
 }
 
 void WebViewBridge::openOutside(const Url& url)

@@ -9,6 +9,7 @@
 #include "web/PageDelivery.h"
 #include "web/StateMessages.h"
 #include "web/SystemMessages.h"
+#include "web/TokenRequest.h"
 #include "web/TrustedOrigins.h"
 
 #include <functional>
@@ -54,7 +55,7 @@ public:
     // Told of every navigation; null for none.
     void setLoadObserver(ShellLoadCoordinator* observer) { m_loadObserver = observer; }
 
-    ScriptDelivery deliver(const std::string& script) { return m_delivery.deliver(script); }
+    [[nodiscard]] TokenRequest& tokenRequest() { return m_tokenRequest; }
 
     void pushBlockingStatus(const std::shared_ptr<const BlockingStatus>& status) { m_blockingStatus.push(status); }
 
@@ -85,6 +86,7 @@ private:
     Dependencies m_dependencies;
     PageDelivery m_delivery;
     BlockingStatusDelivery m_blockingStatus;
+    TokenRequest m_tokenRequest;
     AccountMessages m_accountMessages;
     StateMessages m_stateMessages;
     SystemMessages m_systemMessages;

@@ -69,7 +69,8 @@ public:
     void applicationDidBecomeActive();
     void systemDidWake() { m_inspectorSwitch.evaluate(); }
 
-    [[nodiscard]] ScriptDelivery evaluate(const std::string& script) override { return m_bridge.deliver(script); }
+    void requestToken() override { m_bridge.tokenRequest().make(); }
+    void withdrawTokenRequest() override { m_bridge.tokenRequest().withdraw(); }
     [[nodiscard]] RecoverAnswer recover() override;
     void reload() override { m_loadCoordinator.userRetry(); }
     void pushBlockingStatus(const std::shared_ptr<const BlockingStatus>& status) override;

@@ -8,11 +8,8 @@ namespace brevanta {
 
 class FakeWebShell final : public WebShell {
 public:
-    [[nodiscard]] ScriptDelivery evaluate(const std::string& script) override
-    {
-        scripts.push_back(script);
-        return delivery;
-    }
+    void requestToken() override { ++tokenRequests; }
+    void withdrawTokenRequest() override { ++withdrawals; }
     [[nodiscard]] RecoverAnswer recover() override
     {
         ++recoveries;
@@ -21,11 +18,11 @@ public:
     void reload() override { ++reloads; }
     void pushBlockingStatus(const std::shared_ptr<const BlockingStatus>& status) override { pushed.push_back(status); }
 
-    std::vector<std::string> scripts;
     std::vector<std::shared_ptr<const BlockingStatus>> pushed;
+    int tokenRequests { 0 };
+    int withdrawals { 0 };
     int recoveries { 0 };
     int reloads { 0 };
-    ScriptDelivery delivery { ScriptDelivery::handedOver };
     RecoverAnswer recoverAnswer { RecoverAnswer::started };
 };
 

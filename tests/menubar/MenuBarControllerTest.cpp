@@ -31,11 +31,9 @@ public:
     int begun { 0 };
 };
 
-enum class Page { present, absent };
-
 class MenuBarControllerTest : public testing::Test {
 protected:
-    void start(Page page = Page::present)
+    void start()
     {
         controller = std::make_unique<MenuBarController>(MenuBarController::Dependencies {
             .mainLoop = mainLoop,
@@ -50,7 +48,7 @@ protected:
             .monitor = components.monitor,
             .deviceSetup = components.deviceSetup,
             .installer = components.installer,
-            .webShell = page == Page::present ? &webShell : nullptr,
+            .webShell = webShell,
             .consumers = { &firstConsumer, &secondConsumer },
             .version = "1.2.3",
             .systemVersion = { .major = 15, .minor = 0, .patch = 0 },
@@ -200,19 +198,6 @@ TEST_F(MenuBarControllerTest, NothingOfAReplyThatDoesNotDecodeIsApplied)
     EXPECT_EQ(notices().size(), 1u);
 }
 
-TEST_F(MenuBarControllerTest, ATickThatFindsAPollInFlightIsSkipped)
-{
-    start();
-    mainLoop.advance(PollLoop::interval);
-    for (int index = 0; index < 100; ++index)
-        mainLoop.advance(PollLoop::interval); // The queue does not get to run: the service hangs.
-    EXPECT_EQ(queue.pending(), 1u);
-    settle();
-    EXPECT_EQ(requests, 2);
-    tick();
-    EXPECT_EQ(requests, 3);
-}
-
 TEST_F(MenuBarControllerTest, APollThatNeverEndsIsNotTakenForProtection)
 {
     answer({ { "should_block", true }, { "energy", 5 } });
@@ -244,40 +229,22 @@ TEST_F(MenuBarControllerTest, AnUnchangedReplyChangesNothingOnScreenAndIsHandedO
     EXPECT_EQ(webShell.pushed, firstConsumer.seen);
 }
 
-TEST_F(MenuBarControllerTest, ANotificationThatCannotBePostedIsLogged)
-{
-    notifications.failure = NotificationError { "no server" };
-    answer({ { "energy", 3 }, { "low_lp_threshold", 1 } });
-    start();
-    answer({ { "energy", 0 }, { "low_lp_threshold", 1 } });
-    tick();
-    EXPECT_EQ(log.lines.back(), "[NotificationHelper] add failed: no server");
-}
-
 TEST_F(MenuBarControllerTest, ThePageIsAskedForTheTokenAndThenReloaded)
 {
     answer({ { "auth_token_invalid", true } });
-    start();
-    for (int index = 0; index < 5; ++index)
-        tick();
-    EXPECT_EQ(webShell.scripts,
-        std::vector<std::string> { "window.dispatchEvent(new CustomEvent('kestrelune_token_refresh'));" });
-    EXPECT_EQ(webShell.recoveries, 1);
-    EXPECT_EQ(log.standardError,
-        (std::vector<std::string> { "auth_token_invalid: signalled SPA to re-forward daemon token",
-            "auth_token_invalid persisted 5 polls → reloading WebView (attempt 1/5)" }));
-}
-
-TEST_F(MenuBarControllerTest, ABusyShellIsReportedAsDeferred)
-{
     webShell.recoverAnswer = RecoverAnswer::deferred;
-    answer({ { "auth_token_invalid", true } });
     start();
-    for (int index = 0; index < 5; ++index)
+    for (int index = 0; index < 4; ++index)
         tick();
     EXPECT_EQ(webShell.recoveries, 2);
-    EXPECT_EQ(
-        log.standardError.back(), "auth_token_invalid persisted 6 polls → reload deferred: shell load in progress");
+    EXPECT_EQ(log.standardError,
+        (std::vector<std::string> { "auth_token_invalid: signalled SPA to re-forward daemon token",
+            "auth_token_invalid persisted 5 polls → reload deferred: shell load in progress",
+            "auth_token_invalid persisted 6 polls → reloading WebView (attempt 1/5)" }));
+    EXPECT_EQ(webShell.withdrawals, 0);
+    answer(Json::object());
+    tick();
+    EXPECT_EQ(webShell.withdrawals, 1) << "the token is there";
 }
 
 TEST_F(MenuBarControllerTest, AMissingCredentialIsAskedForLessAndLessOften)
@@ -286,18 +253,13 @@ TEST_F(MenuBarControllerTest, AMissingCredentialIsAskedForLessAndLessOften)
     start();
     for (int index = 0; index < 20; ++index)
         tick();
-    EXPECT_EQ(webShell.scripts.size(), 3u); // After 0, 10 and 30 seconds.
+    EXPECT_EQ(webShell.tokenRequests, 3); // After 0, 10 and 30 seconds.
+    EXPECT_EQ(webShell.withdrawals, 0);
+    webShell.recoverAnswer = RecoverAnswer::started;
+    tick();
+    EXPECT_EQ(webShell.tokenRequests, 1);
     EXPECT_EQ(log.standardError,
         std::vector<std::string>(3, "daemon has no credential: signalled SPA to forward daemon token"));
-}
-
-TEST_F(MenuBarControllerTest, WithoutAPageNobodyClaimsToHaveAskedIt)
-{
-    answer({ { "has_device_token", false }, { "auth_token_invalid", true } });
-    start(Page::absent);
-    for (int index = 0; index < 10; ++index)
-        tick();
-    EXPECT_TRUE(log.standardError.empty());
 }
 
 TEST_F(MenuBarControllerTest, MenuChoicesReachTheirActions)

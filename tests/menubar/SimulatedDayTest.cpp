@@ -121,7 +121,7 @@ TEST(SimulatedDay, ADayOfPollsWithRandomFaultsKeepsTheMenuTrueAndLosesNoNotice)
         .monitor = components.monitor,
         .deviceSetup = components.deviceSetup,
         .installer = components.installer,
-        .webShell = &webShell,
+        .webShell = webShell,
         .consumers = {},
         .version = "0.121.0",
         .systemVersion = {},

@@ -54,7 +54,7 @@ TEST(StatusMenu, BeginsWithEverythingUnknown)
     EXPECT_EQ(content.image, StatusImage::unknown);
     EXPECT_EQ(content.description, "Brevanta — status unknown");
     EXPECT_EQ(shown(content.menu),
-        "Open Brevanta [o]\nBrevanta 0.121.0 (disabled)\nCheck for Updates… (disabled)\nReload [r] (disabled)\n"
+        "Open Brevanta [o]\nBrevanta 0.121.0 (disabled)\nCheck for Updates… (disabled)\nReload [r]\n"
         "Content Filter: Checking… (disabled)\nBlocking Service: Checking… (disabled)\n---\n"
         "Blocking: Inactive (disabled)\n---\nQuit [q]\n");
 }
@@ -139,12 +139,10 @@ TEST(StatusMenu, ARestartIsOfferedOnlyAsTheRemedyAndALineWithAnActionCanBeChosen
     auto state = answering();
     state.service = { "⚠ Restart Blocking Service…", ComponentAction::restartService };
     state.updater = Availability::available;
-    state.webShell = Availability::available;
     auto content = statusItemContent(state);
     EXPECT_TRUE(itemOf(content, MenuCommand::restartService).visible);
     EXPECT_TRUE(itemOf(content, MenuCommand::blockingService).enabled);
     EXPECT_TRUE(itemOf(content, MenuCommand::checkForUpdates).enabled);
-    EXPECT_TRUE(itemOf(content, MenuCommand::reloadWindow).enabled);
 
     state.service = { "⚠ Install Blocking Service…", ComponentAction::installService };
     EXPECT_FALSE(itemOf(statusItemContent(state), MenuCommand::restartService).visible);

@@ -53,7 +53,7 @@ TEST_F(WebViewBridgeTest, NothingReachesADocumentThatIsNotTrusted)
         settle();
         window->pushBlockingStatus(statusWith(Json::object()));
         settle();
-        EXPECT_EQ(window->evaluate("x"), ScriptDelivery::refused);
+        window->requestToken();
         EXPECT_TRUE(webView.scripts.empty());
     }
     webView.terminateContentProcess();
@@ -61,10 +61,42 @@ TEST_F(WebViewBridgeTest, NothingReachesADocumentThatIsNotTrusted)
     settle();
     EXPECT_EQ(std::ranges::count(log.lines, dropped), 1) << "a row of refusals is logged once";
     webView.commit(urlOf("https", "www.example.com"));
-    EXPECT_EQ(window->evaluate("x"), ScriptDelivery::handedOver);
+    window->requestToken();
     webView.committed.reset();
-    EXPECT_EQ(window->evaluate("x"), ScriptDelivery::refused);
+    window->requestToken();
+    EXPECT_EQ(eventCount("kestrelune_token_refresh"), 1);
     EXPECT_EQ(std::ranges::count(log.lines, dropped), 2);
+}
+
+TEST_F(WebViewBridgeTest, ATokenRequestThatNoPageCouldHearIsMadeAgainOnce)
+{
+    openUsable();
+    const auto told = [this] { return eventCount("kestrelune_token_refresh"); };
+    const auto load = [this](const std::string& host) {
+        webView.beginForeign();
+        webView.commit(urlOf("https", host));
+        webView.finish();
+    };
+    webView.terminateContentProcess();
+    window->requestToken();
+    load("login.example.org");
+    EXPECT_EQ(told(), 0);
+    load("www.example.com");
+    load("www.example.com");
+    EXPECT_EQ(told(), 1);
+    webView.beginForeign();
+    webView.commit(urlOf("https", "www.example.com"));
+    window->requestToken();
+    webView.finish();
+    EXPECT_EQ(told(), 3) << "its own scripts may not have listened before";
+    window->requestToken();
+    load("www.example.com");
+    EXPECT_EQ(told(), 4) << "it was heard";
+    webView.terminateContentProcess();
+    window->requestToken();
+    window->withdrawTokenRequest();
+    load("www.example.com");
+    EXPECT_EQ(told(), 4);
 }
 
 TEST_F(WebViewBridgeTest, TrustIsJudgedWhenTheAnswerArrives)
