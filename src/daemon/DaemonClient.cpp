@@ -59,7 +59,10 @@ std::expected<json::Object, DaemonFailure> parseObject(json::Parser& parser, con
 
 // Lives until the last job on the queue has ended. The members below the jobs belong to the queue alone.
 struct DaemonClient::State {
-    using Job = std::function<Answer(State&)>;
+    struct Job {
+        std::function<void()> onBegin; // Null when nobody wants to know.
+        std::function<Answer(State&)> run;
+    };
 
     std::mutex mutex;
     bool closed { false };
@@ -73,12 +76,12 @@ struct DaemonClient::State {
     PaddedBuffer lastStatusReply;
     std::shared_ptr<const BlockingStatus> lastStatus;
 
-    Job takeNext()
+    std::optional<Job> takeNext()
     {
         const std::lock_guard lock(mutex);
         auto& jobs = userJobs.empty() ? pollJobs : userJobs;
         if (closed || jobs.empty())
-            return {};
+            return std::nullopt;
         auto job = std::move(jobs.front());
         jobs.pop_front();
         return job;
@@ -139,15 +142,17 @@ DaemonClient::~DaemonClient()
     pollJobs.swap(m_state->pollJobs);
 }
 
-void DaemonClient::getStatus(
-    std::optional<Json> filterHealth, Completion<std::shared_ptr<const BlockingStatus>> completion)
+void DaemonClient::getStatus(std::optional<Json> filterHealth,
+    Completion<std::shared_ptr<const BlockingStatus>> completion, std::function<void()> onBegin)
 {
     Json request { { "type", "get_status" } };
     if (filterHealth)
         request["filter_health"] = std::move(*filterHealth);
-    submit(Urgency::poll, [request = std::move(request), completion = std::move(completion)](State& state) -> Answer {
-        return [completion, result = state.getStatus(request)] { completion(result); };
-    });
+    submit(
+        Urgency::poll,
+        [request = std::move(request), completion = std::move(completion)](
+            State& state) -> Answer { return [completion, result = state.getStatus(request)] { completion(result); }; },
+        std::move(onBegin));
 }
 
 void DaemonClient::setAuthToken(const std::string& token, const std::string& deviceId, Completion<void> completion)
@@ -191,13 +196,14 @@ void DaemonClient::acknowledged(Json request, Completion<RemovalSnapshot> comple
     });
 }
 
-void DaemonClient::submit(Urgency urgency, State::Job job)
+void DaemonClient::submit(
+    Urgency urgency, std::function<std::function<void()>(State&)> job, std::function<void()> onBegin)
 {
     assert(m_mainLoop.isMainThread());
     {
         const std::lock_guard lock(m_state->mutex);
         auto& jobs = urgency == Urgency::user ? m_state->userJobs : m_state->pollJobs;
-        jobs.push_back(std::move(job));
+        jobs.push_back({ .onBegin = std::move(onBegin), .run = std::move(job) });
     }
     // One turn of the queue for each job, which takes whatever is most urgent by then.
     m_queue.post([state = m_state, &mainLoop = m_mainLoop] {
@@ -205,12 +211,16 @@ void DaemonClient::submit(Urgency urgency, State::Job job)
         if (!next)
             return;
         assert(!mainLoop.isMainThread());
-        auto answer = next(*state);
-        mainLoop.post([weak = std::weak_ptr(state), answer = std::move(answer)] {
-            const auto alive = weak.lock();
-            if (alive && !alive->closed)
-                answer();
-        });
+        const auto tell = [&](Answer answer) {
+            mainLoop.post([weak = std::weak_ptr(state), answer = std::move(answer)] {
+                const auto alive = weak.lock();
+                if (alive && !alive->closed)
+                    answer();
+            });
+        };
+        if (next->onBegin)
+            tell(next->onBegin);
+        tell(next->run(*state));
     });
 }
 

@@ -40,8 +40,10 @@ public:
     DaemonClient& operator=(const DaemonClient&) = delete;
 
     // The status; carries the content filter's health report, a JSON object, when there is one. A reply of the same
-    // bytes as the last one decoded gives the same object again.
-    void getStatus(std::optional<Json> filterHealth, Completion<std::shared_ptr<const BlockingStatus>> completion);
+    // bytes as the last one decoded gives the same object again. `onBegin` is called on the main thread, before the
+    // completion, when the request's turn has come.
+    void getStatus(std::optional<Json> filterHealth, Completion<std::shared_ptr<const BlockingStatus>> completion,
+        std::function<void()> onBegin = {});
 
     // Hands the user's sign-in token to the service; an empty device identifier is not sent.
     void setAuthToken(const std::string& token, const std::string& deviceId, Completion<void> completion);
@@ -60,7 +62,7 @@ private:
     struct State;
     enum class Urgency { user, poll };
 
-    void submit(Urgency urgency, std::function<std::function<void()>(State&)> job);
+    void submit(Urgency urgency, std::function<std::function<void()>(State&)> job, std::function<void()> onBegin = {});
     void acknowledged(Json request, Completion<RemovalSnapshot> completion);
 
     Executor& m_queue;

@@ -115,15 +115,6 @@ void MenuBarController::statusFailed(const DaemonFailure& failure, double starte
     componentsChanged();
 }
 
-void MenuBarController::pollOverdue()
-{
-    if (m_lastFailure != "overdue")
-        m_dependencies.log.log("[MenuBar] status poll overdue: the blocking service does not finish its reply");
-    m_lastFailure = "overdue";
-    forgetDisplay();
-    refreshStatusItem();
-}
-
 void MenuBarController::postCoinNotices(const BlockingStatus& status)
 {
     for (const auto& notice : m_coinNotices.update(status))

@@ -82,7 +82,6 @@ private:
     void pollBegan() override;
     [[nodiscard]] std::optional<Json> filterHealthReport() override;
     void pollEnded(double startedAt, const PollResult& result) override;
-    void pollOverdue() override;
     void ticked() override;
 
     void statusArrived(const std::shared_ptr<const BlockingStatus>& status, double startedAt);

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cassert>
+#include <utility>
 
 namespace brevanta {
 
@@ -29,23 +30,29 @@ void PollLoop::start()
 void PollLoop::tick()
 {
     assert(m_mainLoop.isMainThread());
-    poll(m_clock.continuousSeconds());
+    poll();
     m_observer.ticked();
 }
 
-void PollLoop::poll(double now)
+void PollLoop::poll()
 {
-    if (m_inFlightSince) {
-        if (now - *m_inFlightSince > overdueAfter)
-            m_observer.pollOverdue();
+    if (m_isInFlight) {
+        if (m_exchange && m_clock.uptimeSeconds() - m_exchange->startedAtUptime > overdueAfter)
+            m_observer.pollEnded(
+                m_exchange->startedAt, std::unexpected(JsonParseError { "it has not ended after ten seconds" }));
         return;
     }
-    m_inFlightSince = now;
+    m_isInFlight = true;
     m_observer.pollBegan();
-    m_daemonClient.getStatus(m_observer.filterHealthReport(), m_life.guard([this, now](const PollResult& result) {
-        m_inFlightSince.reset();
-        m_observer.pollEnded(now, result);
-    }));
+    m_daemonClient.getStatus(m_observer.filterHealthReport(), m_life.guard([this](const PollResult& result) {
+        m_isInFlight = false;
+        const auto exchange = std::exchange(m_exchange, std::nullopt);
+        m_observer.pollEnded(exchange->startedAt, result);
+    }),
+        m_life.guard([this] {
+            m_exchange
+                = Exchange { .startedAt = m_clock.continuousSeconds(), .startedAtUptime = m_clock.uptimeSeconds() };
+        }));
 }
 
 }

@@ -32,11 +32,9 @@ public:
     // The poll of this tick has been begun, or skipped because one is under way.
     virtual void ticked() = 0;
 
-    // A poll that began at `startedAt`, in continuous seconds, has ended.
+    // A poll whose exchange began at `startedAt`, in continuous seconds, has ended; or it has gone on for so long that
+    // it counts as failed, which is said at each tick until it does end.
     virtual void pollEnded(double startedAt, const PollResult& result) = 0;
-
-    // A poll has gone on for so long that what is shown can no longer be trusted. Said at each tick until it ends.
-    virtual void pollOverdue() = 0;
 };
 
 // Asks the service for its status at once and then every two seconds. Only one request is under way at a time: a tick
@@ -45,7 +43,8 @@ class PollLoop {
 public:
     static constexpr double interval = 2.0;
 
-    // A service that is silent is given up after 5 seconds, so only one that keeps trickling takes longer than this.
+    // Seconds that an exchange may take, its wait for its turn and a sleep of the machine left out. A service that is
+    // silent is given up after 5 seconds, so only one that keeps trickling takes longer than this.
     static constexpr double overdueAfter = 10.0;
 
     PollLoop(MainLoop& mainLoop, Clock& clock, DaemonClient& daemonClient, PollObserver& observer);
@@ -54,14 +53,20 @@ public:
     void start();
 
 private:
+    struct Exchange {
+        double startedAt; // In continuous seconds.
+        double startedAtUptime;
+    };
+
     void tick();
-    void poll(double now);
+    void poll();
 
     MainLoop& m_mainLoop;
     Clock& m_clock;
     DaemonClient& m_daemonClient;
     PollObserver& m_observer;
-    std::optional<double> m_inFlightSince;
+    bool m_isInFlight { false };
+    std::optional<Exchange> m_exchange; // Of the poll that is in flight, once its turn has come.
     std::unique_ptr<Timer> m_timer;
     LifeToken m_life;
 };

@@ -27,4 +27,11 @@ void ManualExecutor::runAll()
 
 bool ManualExecutor::isRunning() { return runningNow; }
 
+void ManualExecutor::meanwhile(const std::function<void()>& mainThread)
+{
+    runningNow = false;
+    mainThread();
+    runningNow = true;
+}
+
 }

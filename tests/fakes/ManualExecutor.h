@@ -24,6 +24,9 @@ public:
 
     [[nodiscard]] static bool isRunning();
 
+    // What the main thread does while a piece of work that takes its time goes on.
+    static void meanwhile(const std::function<void()>& mainThread);
+
 private:
     std::deque<std::function<void()>> m_work;
 };

@@ -114,9 +114,11 @@ protected:
     int windowOpened { 0 };
     int quits { 0 };
     int requests { 0 };
+    std::function<void()> whileServiceWorks { [] { } };
     FakeDaemonTransport::Answer reply { replyWith(Json::object()).dump() };
     DaemonClient client { std::make_unique<FakeDaemonTransport>([this](const Json&) {
                              ++requests;
+                             ManualExecutor::meanwhile(whileServiceWorks);
                              return reply;
                          }),
         queue, mainLoop };
@@ -202,13 +204,23 @@ TEST_F(MenuBarControllerTest, APollThatNeverEndsIsNotTakenForProtection)
 {
     answer({ { "should_block", true }, { "energy", 5 } });
     start();
-    mainLoop.advance(PollLoop::interval); // This one stays in flight.
-    mainLoop.advance(PollLoop::overdueAfter);
-    EXPECT_EQ(statusItem.content.image, StatusImage::block);
-    mainLoop.advance(PollLoop::interval);
-    EXPECT_EQ(statusItem.content.image, StatusImage::unknown);
+    const auto isShownAs = [this](StatusImage image) { return statusItem.content.image == image; };
+    mainLoop.advance(30); // The next one waits behind what the user does.
+    EXPECT_TRUE(isShownAs(StatusImage::block));
+    EXPECT_EQ(queue.pending(), 1u) << "no other is begun meanwhile";
+    whileServiceWorks = [&] {
+        clock.sleep(3600);
+        mainLoop.advance(PollLoop::overdueAfter);
+        EXPECT_TRUE(isShownAs(StatusImage::block));
+        EXPECT_EQ(firstConsumer.failures, 0);
+        mainLoop.advance(PollLoop::interval);
+        EXPECT_TRUE(isShownAs(StatusImage::unknown));
+        EXPECT_EQ(firstConsumer.failures, 1);
+        EXPECT_EQ(statusItem.visibleTitle(200), "⚠ Restart Blocking Service…");
+        whileServiceWorks = [] { };
+    };
     settle();
-    EXPECT_EQ(statusItem.content.image, StatusImage::block);
+    EXPECT_TRUE(isShownAs(StatusImage::block));
 }
 
 TEST_F(MenuBarControllerTest, AnUnchangedReplyChangesNothingOnScreenAndIsHandedOnAsTheSameObject)
@@ -236,6 +248,9 @@ TEST_F(MenuBarControllerTest, ThePageIsAskedForTheTokenAndThenReloaded)
     start();
     for (int index = 0; index < 4; ++index)
         tick();
+    webShell.recoverAnswer = RecoverAnswer::started;
+    tick();
+    EXPECT_EQ(webShell.tokenRequests, 1);
     EXPECT_EQ(webShell.recoveries, 2);
     EXPECT_EQ(log.standardError,
         (std::vector<std::string> { "auth_token_invalid: signalled SPA to re-forward daemon token",
@@ -255,9 +270,6 @@ TEST_F(MenuBarControllerTest, AMissingCredentialIsAskedForLessAndLessOften)
         tick();
     EXPECT_EQ(webShell.tokenRequests, 3); // After 0, 10 and 30 seconds.
     EXPECT_EQ(webShell.withdrawals, 0);
-    webShell.recoverAnswer = RecoverAnswer::started;
-    tick();
-    EXPECT_EQ(webShell.tokenRequests, 1);
     EXPECT_EQ(log.standardError,
         std::vector<std::string>(3, "daemon has no credential: signalled SPA to forward daemon token"));
 }
