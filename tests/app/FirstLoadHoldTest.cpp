@@ -56,11 +56,4 @@ TEST_F(FirstLoadHoldTest, AReplacedFilterGetsItsGraceAndTheDeadlineStillHolds)
     EXPECT_EQ(mainLoop.timerCount(), 0U);
 }
 
-TEST_F(FirstLoadHoldTest, WhatReplacedNothingReleasesAtOnce)
-{
-    hold.arm();
-    hold.activationSettled({ .kind = Kind::needsUserApproval });
-    EXPECT_EQ(releases, std::vector<std::string> { "released (filter activation settled)" });
-}
-
 }

@@ -44,20 +44,6 @@ TEST(LaunchHold, AReplacedFilterGetsTwoSecondsMore)
     }
 }
 
-TEST(LaunchHold, TheDeadlineReleasesWhateverIsStillAwaited)
-{
-    LaunchHold waiting;
-    (void)waiting.reduce(armed);
-    EXPECT_EQ(waiting.reduce(deadlineReached), Commands { LaunchHold::Release { "released (deadline)" } });
-    EXPECT_EQ(waiting.reduce(settled(Kind::completed, true)), Commands {});
-
-    LaunchHold inGrace;
-    (void)inGrace.reduce(armed);
-    (void)inGrace.reduce(settled(Kind::completed, true));
-    EXPECT_EQ(inGrace.reduce(deadlineReached), Commands { LaunchHold::Release { "released (deadline)" } });
-    EXPECT_EQ(inGrace.reduce(graceElapsed), Commands {});
-}
-
 TEST(LaunchHold, NoSequenceReleasesTwiceOrBeforeItIsArmed)
 {
     const std::vector<LaunchHold::Event> events { armed, settled(Kind::completed), settled(Kind::completed, true),

@@ -111,95 +111,6 @@ TEST_F(DaemonSocketTest, ALargeReplyInOddSegmentsIsAssembled)
     EXPECT_EQ((*status)->blockedDomains.back(), "blocked-199999.example.org");
 }
 
-TEST_F(DaemonSocketTest, ALineFeedInsideASegmentDoesNotEndTheReply)
-{
-    const auto status = statusFrom([&](const Peer& peer) {
-        (void)peer.readRequest();
-        peer.write("{\n\"should_block\": true,\n");
-        // The first segment ends with a line feed, so that the reply ends there for the client.
-        peer.waitForClose();
-    });
-    ASSERT_FALSE(status);
-    EXPECT_TRUE(std::holds_alternative<JsonParseError>(status.error()));
-
-    const auto whole = statusFrom([&](const Peer& peer) {
-        (void)peer.readRequest();
-        peer.write("{\n\"should_block\": true,\n\"energy\": 7}");
-    });
-    ASSERT_TRUE(whole);
-    EXPECT_EQ((*whole)->energy, 7);
-}
-
-TEST_F(DaemonSocketTest, EachMisbehaviourIsItsOwnErrorAndTheNextRequestSucceeds)
-{
-    struct Case {
-        const char* name;
-        std::function<void(const Peer&)> serve;
-        std::function<bool(const DecodedStatus&)> expected;
-    };
-    const auto isParseError
-        = [](const DecodedStatus& status) { return !status && std::holds_alternative<JsonParseError>(status.error()); };
-    const auto isDecodingError = [](const DecodedStatus& status) {
-        return !status && std::holds_alternative<StatusDecodingError>(status.error());
-    };
-    const auto answering = [](std::string bytes) {
-        return [bytes = std::move(bytes)](const Peer& peer) {
-            (void)peer.readRequest();
-            peer.write(bytes);
-        };
-    };
-    const std::string reply = statusReply().dump();
-    const Case cases[] = {
-        { "closes without a reply", answering(""), isParseError },
-        { "half a reply", answering(reply.substr(0, reply.size() / 2)), isParseError },
-        { "garbage", answering("\x01\xFFgarbage\n"), isParseError },
-        { "an array", answering("[" + reply + "]\n"),
-            [](const DecodedStatus& status) {
-                return status == DecodedStatus(std::unexpect, DaemonError { DaemonError::Kind::invalidResponse, {} });
-            } },
-        { "wrong types", answering(R"({"should_block":"yes","energy":3})"), isDecodingError },
-        { "an acknowledgement instead of a status", answering(R"({"ok":true,"error":"x"})"), isDecodingError },
-        { "no line feed, then close", answering(reply),
-            [](const DecodedStatus& status) { return status.has_value(); } },
-        { "two objects", answering(reply + reply + "\n"), isParseError },
-    };
-    for (const auto& [name, serve, expected] : cases) {
-        int connections = 0;
-        const ScriptedServer server([&, &serveBadly = serve](const Peer& peer) {
-            if (connections++ == 0)
-                return serveBadly(peer);
-            (void)peer.readRequest();
-            peer.write(reply + "\n");
-        });
-        EXPECT_TRUE(expected(statusAt(server.path()))) << name;
-        EXPECT_TRUE(statusAt(server.path())) << name;
-    }
-}
-
-TEST_F(DaemonSocketTest, AMutatingRequestAnsweredWithOkAndErrorIsRejected)
-{
-    const ScriptedServer server([](const Peer& peer) {
-        (void)peer.readRequest();
-        peer.write("{\"ok\":true,\"error\":\"x\"}\n");
-    });
-    const auto client = clientFor(server.path());
-    std::optional<std::expected<void, DaemonFailure>> answer;
-    client->forceSync([&](const auto& result) { answer = result; });
-    while (!answer)
-        mainLoop.awaitPosted();
-    EXPECT_EQ(answer->error(), DaemonFailure(DaemonError { DaemonError::Kind::rejected, "x" }));
-}
-
-TEST_F(DaemonSocketTest, ADelayShorterThanFiveSecondsOnlyDelays)
-{
-    const auto status = statusFrom([&](const Peer& peer) {
-        (void)peer.readRequest();
-        std::this_thread::sleep_for(std::chrono::milliseconds(300)); // The service is slow; the test waits for nothing.
-        peer.write(statusReply().dump() + "\n");
-    });
-    EXPECT_TRUE(status);
-}
-
 TEST_F(DaemonSocketTest, SilenceEndsAfterFiveSecondsWithWhatHadArrived)
 {
     const std::string whole = statusReply().dump();
@@ -248,20 +159,6 @@ TEST_F(DaemonSocketTest, APathOf103BytesConnectsAndOneOf104IsNotTried)
     EXPECT_TRUE(statusAt(padded(103)));
     EXPECT_EQ(statusAt(padded(104)), DecodedStatus(std::unexpect, connectionFailed));
     EXPECT_EQ(statusAt(server.path() + "-nobody"), DecodedStatus(std::unexpect, connectionFailed));
-}
-
-TEST_F(DaemonSocketTest, TextThatIsNotUtf8FailsInTheSerializerWithoutQuotingIt)
-{
-    std::promise<std::string> request;
-    const ScriptedServer server([&](const Peer& peer) { request.set_value(peer.readRequest()); });
-    const auto client = clientFor(server.path());
-    std::optional<std::expected<void, DaemonFailure>> answer;
-    client->setAuthToken("secret-\xFF", "", [&](const auto& result) { answer = result; });
-    while (!answer)
-        mainLoop.awaitPosted();
-    ASSERT_TRUE(std::holds_alternative<JsonSerializationError>(answer->error()));
-    EXPECT_EQ(describe(answer->error()).find("secret"), std::string::npos);
-    EXPECT_EQ(request.get_future().get(), ""); // Connected, and closed without a byte.
 }
 
 TEST_F(DaemonSocketTest, AServiceThatClosesBeforeItReadsFailsTheSendWithoutASignal)

@@ -72,7 +72,7 @@ TEST_F(SocketTransportTest, ACutReplyIsHandedOnAsItStands)
 
 TEST_F(SocketTransportTest, NobodyThereAndTextThatIsNoUtf8AreTheirOwnErrors)
 {
-    EXPECT_TRUE(std::holds_alternative<JsonSerializationError>(*exchange({ { "type", "\xFF" } })));
+    EXPECT_EQ(describe(*exchange({ { "type", "secret\xFF" } })), "request is not JSON: text is not UTF-8");
     EXPECT_TRUE(sockets.sent.empty());
     sockets.peer = FakeLocalSockets::Peer::absent;
     EXPECT_EQ(exchange(), failure(DaemonError::Kind::connectionFailed));

@@ -6,10 +6,6 @@ namespace brevanta {
 
 namespace {
 
-using Commands = std::vector<TokenWatchdog::Command>;
-
-const TokenWatchdog::SignalPage signalPage { "auth_token_invalid: signalled SPA to re-forward daemon token" };
-
 // Runs polls two seconds apart against a shell that always or never starts a reload; notes when what was done.
 struct Polling {
     TokenWatchdog watchdog;
@@ -43,17 +39,6 @@ struct Polling {
     }
 };
 
-}
-
-TEST(TokenWatchdog, SignalsThePageAtTheFirstRejectionOnly)
-{
-    TokenWatchdog watchdog;
-    EXPECT_EQ(watchdog.reduce(TokenWatchdog::Polled { false, 0 }), Commands {});
-    EXPECT_EQ(watchdog.reduce(TokenWatchdog::Polled { true, 2 }), Commands { signalPage });
-    EXPECT_EQ(watchdog.reduce(TokenWatchdog::Polled { true, 4 }), Commands {});
-    EXPECT_EQ(watchdog.reduce(TokenWatchdog::Polled { false, 6 }), Commands {});
-    EXPECT_EQ(watchdog, TokenWatchdog {});
-    EXPECT_EQ(watchdog.reduce(TokenWatchdog::Polled { true, 8 }), Commands { signalPage });
 }
 
 TEST(TokenWatchdog, ReloadsAtTheFifthRejectionAndThenLessAndLessOftenAtMostFiveTimes)
