@@ -3,11 +3,12 @@
 #include "posix/FileDescriptor.h"
 #include "posix/WriteAll.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace brevanta {
 
@@ -17,43 +18,41 @@ using Step = FileWriteError::Step;
 
 std::unexpected<FileWriteError> fail(Step step) { return std::unexpected(FileWriteError { step, errno }); }
 
-// Waits for whoever holds the lock. False, with errno set, where the file system has no locks.
-bool lockFile(int descriptor)
+constexpr std::string_view temporaryEnding = ".tmp";
+
+// The beginning of the names of all files that are to replace this one.
+std::string temporaryBeginning(const std::filesystem::path& target)
 {
-    int result = 0;
-    do
-        result = ::flock(descriptor, LOCK_EX);
-    while (result && errno == EINTR);
-    return !result;
+    return std::string(".").append(target.filename().native()).append(".");
 }
 
-bool isAt(const std::filesystem::path& path, int descriptor)
+// With a number that this process gives once, a name that no writer has.
+std::string temporaryName(const std::filesystem::path& target, unsigned number)
 {
-    struct stat there {};
-    struct stat opened {};
-    return !::lstat(path.c_str(), &there) && !::fstat(descriptor, &opened) && there.st_dev == opened.st_dev
-        && there.st_ino == opened.st_ino;
+    return temporaryBeginning(target) + std::to_string(::getpid()) + '-' + std::to_string(number)
+        + std::string(temporaryEnding);
 }
 
-// Waits until whoever writes this file has put it in its place, or removes it if nobody does.
-void awaitOrRemove(const std::filesystem::path& path)
+// What killed writers of the file have left. No writer that still runs takes as long as that to fill its file.
+void removeAbandoned(const std::filesystem::path& target, const struct stat& newest)
 {
-    // Neither waits for the other end of a pipe nor follows a link that somebody has put here.
-    const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file && errno == ENOENT)
-        return;
-    if (!file || !lockFile(file.get()) || isAt(path, file.get()))
-        ::unlink(path.c_str());
+    constexpr time_t abandonedAfterSeconds = 60;
+    const auto beginning = temporaryBeginning(target);
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(target.parent_path(), error), end; !error && entry != end;
+        entry.increment(error)) {
+        const auto name = entry->path().filename().native();
+        struct stat status {};
+        if (name.starts_with(beginning) && name.ends_with(temporaryEnding) && !::lstat(entry->path().c_str(), &status)
+            && S_ISREG(status.st_mode) && newest.st_mtime - status.st_mtime > abandonedAfterSeconds)
+            ::unlink(entry->path().c_str());
+    }
 }
 
 // The file beside the one that it is to replace; removed unless it has taken that one's place.
 class TemporaryFile {
 public:
-    explicit TemporaryFile(const std::filesystem::path& target)
-        : m_path(target)
-    {
-        m_path.replace_filename(std::string(".").append(target.filename().native()).append(".tmp"));
-    }
+    TemporaryFile() = default;
     ~TemporaryFile()
     {
         if (m_descriptor)
@@ -63,25 +62,19 @@ public:
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     // False, with errno set, when it cannot be made.
-    [[nodiscard]] bool create()
+    [[nodiscard]] bool createBeside(const std::filesystem::path& target)
     {
-        // Each further attempt means that another writer has come between.
-        for (int attemptsLeft = 1000; attemptsLeft > 0; --attemptsLeft) {
-            FileDescriptor file(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-            if (file) {
-                const bool isLocked = lockFile(file.get());
-                // Before it was locked, another writer may have taken it for one that was left.
-                if (isLocked && !isAt(m_path, file.get()))
-                    continue;
-                m_descriptor = std::move(file);
-                return isLocked;
-            }
-            if (errno != EEXIST)
-                return false;
-            awaitOrRemove(m_path);
+        static std::atomic<unsigned> lastNumber { 0 };
+        // A process that was killed may have had the number of this one.
+        for (int attemptsLeft = 100; attemptsLeft > 0; --attemptsLeft) {
+            m_number = ++lastNumber;
+            m_path = target;
+            m_path.replace_filename(temporaryName(target, m_number));
+            m_descriptor.reset(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+            if (m_descriptor || errno != EEXIST)
+                break;
         }
-        errno = EEXIST;
-        return false;
+        return static_cast<bool>(m_descriptor);
     }
 
     [[nodiscard]] int descriptor() const { return m_descriptor.get(); }
@@ -93,11 +86,15 @@ public:
         const FileDescriptor file = std::move(m_descriptor);
         struct stat status {}; // Stays that of no file should the system not tell.
         ::fstat(file.get(), &status);
+        constexpr unsigned writesBetweenLooks = 16; // To look takes a fifth of the time of a small write.
+        if (m_number % writesBetweenLooks == 0)
+            removeAbandoned(target, status);
         return status;
     }
 
 private:
     std::filesystem::path m_path;
+    unsigned m_number { 0 };
     FileDescriptor m_descriptor;
 };
 
@@ -126,8 +123,8 @@ std::string describe(const FileWriteError& error)
 std::expected<struct stat, FileWriteError> writeFileAtomically(
     const std::filesystem::path& path, std::string_view contents, mode_t mode)
 {
-    TemporaryFile file(path);
-    if (!file.create() || ::fchmod(file.descriptor(), mode))
+    TemporaryFile file;
+    if (!file.createBeside(path) || ::fchmod(file.descriptor(), mode))
         return fail(Step::create);
     if (!writeAll(file.descriptor(), contents))
         return fail(Step::write);

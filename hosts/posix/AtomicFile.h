@@ -24,11 +24,12 @@ struct FileWriteError {
 // Puts `contents` in the place of the file, or makes it: who reads `path` meets the old file or the whole new one, and
 // after a crash of the machine too. The new file has exactly this mode, whatever the umask, before its first byte is
 // written. A symbolic link at `path` is replaced itself. On an error the old file is as it was and nothing is left
-// beside it. The result is fstat(2) of the new file in its place. Any thread; waits for the disk, and for whoever else
-// is writing this file.
+// beside it. The result is fstat(2) of the new file in its place. Any thread; waits for the disk, and for no other
+// writer: of several the last one wins.
 //
-// A process that is killed leaves at most one file, ".<name>.tmp", which the next writer of the same file removes: the
-// name is the same for all writers, and whoever holds flock(2) on that file owns it. Unique names would pile up.
+// A process that is killed leaves at most one file, ".<name>.<number>.tmp", whose name no other writer has. Now and
+// then a write of the same file removes those that are older than a minute; a writer that was stopped for so long
+// fails.
 [[nodiscard]] std::expected<struct stat, FileWriteError> writeFileAtomically(
     const std::filesystem::path& path, std::string_view contents, mode_t mode);
 
