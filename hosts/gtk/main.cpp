@@ -155,11 +155,13 @@ Run runApplication(
     CrashReporterGtk crashReporter(files, crashRecord(configuration));
     SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
     SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
+    SerialQueue nativeMessagingQueue(queueThread("com.brevanta.native-messaging"));
     SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
     AppDelegate delegate({ .mainLoop = mainLoop,
                              .daemonQueue = daemonQueue,
                              .sharedStateQueue = sharedStateQueue,
                              .pageScriptQueue = pageScriptQueue,
+                             .nativeMessagingQueue = nativeMessagingQueue,
                              .localSockets = localSockets,
                              .clock = clock,
                              .log = *log,

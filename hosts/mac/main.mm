@@ -112,6 +112,7 @@ void runApplication(const BuildConfiguration& configuration)
     MainLoopMac mainLoop;
     SerialQueue sharedStateQueue(queueThread("com.brevanta.mac.sharedstate-write"));
     SerialQueue pageScriptQueue(queueThread("com.brevanta.page-script"));
+    SerialQueue nativeMessagingQueue(queueThread("com.brevanta.native-messaging"));
     SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
     SerialQueue installerQueue(queueThread("com.brevanta.daemon-installer"));
     SerialQueue programQueue(queueThread("com.brevanta.programs"));
@@ -139,6 +140,7 @@ void runApplication(const BuildConfiguration& configuration)
             .daemonQueue = daemonQueue,
             .sharedStateQueue = sharedStateQueue,
             .pageScriptQueue = pageScriptQueue,
+            .nativeMessagingQueue = nativeMessagingQueue,
             .localSockets = localSockets,
             .clock = clock,
             .log = log,

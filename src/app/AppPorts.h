@@ -42,8 +42,9 @@ class Workspace;
 struct AppPorts {
     MainLoop& mainLoop;
     Executor& daemonQueue; // A serial queue of its own, for exchanges with the blocking service.
-    Executor& sharedStateQueue; // Another one, for the files that the content filter and the browsers read.
+    Executor& sharedStateQueue; // Another one, for the file that the content filter reads.
     Executor& pageScriptQueue; // Another one, for scripts that are too large to be made on the main thread.
+    Executor& nativeMessagingQueue; // Another one, for the files that the browsers read.
     LocalSocketConnector& localSockets;
     Clock& clock;
     SystemLog& log;

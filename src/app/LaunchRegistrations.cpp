@@ -39,7 +39,7 @@ LaunchRegistrations::LaunchRegistrations(const AppPorts& ports, const BuildConfi
 void LaunchRegistrations::begin()
 {
     registerNativeMessagingHost(
-        m_ports.sharedStateQueue, m_ports.files, m_ports.log, nativeMessagingFacts(m_ports, m_configuration));
+        m_ports.nativeMessagingQueue, m_ports.files, m_ports.log, nativeMessagingFacts(m_ports, m_configuration));
     m_staleCopies.begin();
     m_loginItem.begin();
 }

@@ -75,6 +75,7 @@ protected:
     ManualExecutor queue;
     ManualExecutor sharedStateQueue;
     ManualExecutor pageScriptQueue;
+    ManualExecutor nativeMessagingQueue;
     FakeLocalSockets sockets;
     FakeSystemLog log;
     FakeUserDefaults defaults;
@@ -101,10 +102,10 @@ protected:
     FakeUpdater updater;
     FakeCrashReporter crashReporter;
     AppDelegate delegate {
-        AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, sockets, clock, log, defaults, lifecycle, window,
-            statusItem, alerts, workspace, notifications, loginRecords, webView, placeholder, openPanel, services,
-            filterSystem, files, [] { return std::filesystem::path("/shared"); }, SystemVersion {},
-            [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
+        AppPorts { mainLoop, queue, sharedStateQueue, pageScriptQueue, nativeMessagingQueue, sockets, clock, log,
+            defaults, lifecycle, window, statusItem, alerts, workspace, notifications, loginRecords, webView,
+            placeholder, openPanel, services, filterSystem, files, [] { return std::filesystem::path("/shared"); },
+            SystemVersion {}, [] { return "6f9619ff-8b86-4011-b42d-00c04fc964ff"; }, "A Mac",
             [this](const std::string& text) { return parseUrl(text); }, "/Applications/Brevanta.app/Contents/Resources",
             "/Users/ada", { "es-MX" }, "/Applications/Brevanta.app", administrator, crashReporter, "staging", updater,
             updaterFeed, std::string(43, 'A') + "=", loginItem, programs,
@@ -341,7 +342,7 @@ TEST_F(AppDelegateTest, TheLaunchLeadsBrowsersToTheNativeMessagingHostWithoutWai
     ASSERT_TRUE(files.createFolder(support / "Chromium"));
     launch();
     EXPECT_EQ(files.contents(manifest), std::nullopt);
-    sharedStateQueue.runAll();
+    nativeMessagingQueue.runAll(); // The state file's own may stand still.
     EXPECT_TRUE(files.contents(manifest).value_or("").contains("/Library/Application Support/Brevanta/native-host"));
     const auto launcher = files.contents("/Library/Application Support/Brevanta/native-host").value_or("");
     EXPECT_TRUE(launcher.contains("\nPLIST='/Library/LaunchDaemons/com.brevanta.daemon.plist'\n"
