@@ -31,7 +31,7 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
     StandardErrorLog log;
     ClockGtk clock;
     MainLoopGtk mainLoop;
-    UserDefaultsGtk defaults(preferencesFile(configuration), log);
+    UserDefaultsGtk defaults(preferencesFile(configuration), log, mainLoop);
     LocalSocketPosix localSockets;
     ServiceManagerGtk services(mainLoop, configuration.root);
     FilterSystemGtk filterSystem(mainLoop, configuration.root, contents);

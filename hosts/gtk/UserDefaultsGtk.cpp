@@ -2,6 +2,7 @@
 
 #include "gtk/GObjectPtr.h"
 #include "gtk/UtcTimestamp.h"
+#include "platform/MainLoop.h"
 #include "platform/SystemLog.h"
 #include "posix/AtomicFile.h"
 
@@ -101,15 +102,16 @@ bool isNoFile(const GError& error)
 
 }
 
-UserDefaultsGtk::UserDefaultsGtk(std::filesystem::path file, SystemLog& log)
+UserDefaultsGtk::UserDefaultsGtk(std::filesystem::path file, SystemLog& log, MainLoop& mainLoop)
     : m_file(std::move(file))
     , m_log(log)
+    , m_mainLoop(mainLoop)
     , m_stored(Json::object())
 {
     refresh();
 }
 
-UserDefaultsGtk::~UserDefaultsGtk() = default;
+UserDefaultsGtk::~UserDefaultsGtk() { writeAgain(); }
 
 std::optional<DefaultsValue> UserDefaultsGtk::get(std::string_view key) const
 {
@@ -228,15 +230,35 @@ void UserDefaultsGtk::save()
     applyUnsaved();
     if (m_fileUse == FileUse::keptAsItIs)
         return;
-    if (g_mkdir_with_parents(m_file.parent_path().c_str(), folderMode)) {
-        m_log.log("[UserDefaults] no folder for " + m_file.string() + ": " + std::strerror(errno));
-        return;
+    const auto written = write();
+    auto failure = written ? std::string() : written.error();
+    if (!written && failure != m_lastFailure)
+        m_log.log("[UserDefaults] " + m_file.string() + ": " + failure);
+    m_lastFailure = std::move(failure);
+    if (written) {
+        m_unsaved.clear();
+        m_nextAttempt.reset();
+    } else if (!m_nextAttempt) {
+        constexpr double secondsBetweenAttempts = 10;
+        m_nextAttempt = m_mainLoop.startTimer(secondsBetweenAttempts, TimerRepeat::forever, [this] { writeAgain(); });
     }
-    if (const auto written = writeFileAtomically(m_file, m_stored.dump(4) + '\n', fileMode); !written) {
-        m_log.log("[UserDefaults] " + m_file.string() + ": " + describe(written.error()));
+}
+
+std::expected<void, std::string> UserDefaultsGtk::write() const
+{
+    if (g_mkdir_with_parents(m_file.parent_path().c_str(), folderMode))
+        return std::unexpected(std::string("no folder: ") + std::strerror(errno));
+    if (const auto written = writeFileAtomically(m_file, m_stored.dump(4) + '\n', fileMode); !written)
+        return std::unexpected(describe(written.error()));
+    return {};
+}
+
+void UserDefaultsGtk::writeAgain()
+{
+    if (m_unsaved.empty())
         return;
-    }
-    m_unsaved.clear();
+    refresh();
+    save();
 }
 
 }

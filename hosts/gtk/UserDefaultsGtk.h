@@ -5,6 +5,7 @@
 #include <expected>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -13,15 +14,20 @@ namespace brevanta {
 
 class SystemLog;
 
+class MainLoop;
+class Timer;
+
 // A JSON object in a file of mode 0600, replaced as a whole at each change; its folders are made when they are missing.
 // The file is read anew before each change, so that what another process has stored under other keys stays. A file that
 // cannot be read, or is no JSON object, is moved aside under a name of its own: at the start the store then begins
-// empty, later it goes on with what this process knows.
+// empty, later it goes on with what this process knows. Of two processes that change it at the same moment the later
+// one wins. What could not be written is tried again every ten seconds, and as this object goes.
 //
 // A date is the object {"date": "2026-11-21T12:00:00.000Z"}, with milliseconds and in UTC.
 class UserDefaultsGtk final : public UserDefaults {
 public:
-    UserDefaultsGtk(std::filesystem::path file, SystemLog& log);
+    // Both outlive this object.
+    UserDefaultsGtk(std::filesystem::path file, SystemLog& log, MainLoop& mainLoop);
     ~UserDefaultsGtk() override;
     UserDefaultsGtk(const UserDefaultsGtk&) = delete;
     UserDefaultsGtk& operator=(const UserDefaultsGtk&) = delete;
@@ -44,12 +50,17 @@ private:
     void applyUnsaved();
     void moveAside(const std::string& reason);
     void save();
+    [[nodiscard]] std::expected<void, std::string> write() const;
+    void writeAgain();
 
     std::filesystem::path m_file;
     SystemLog& m_log;
+    MainLoop& m_mainLoop;
     nlohmann::json m_stored;
     std::map<std::string, DefaultsValue, std::less<>> m_unstorable;
     std::map<std::string, std::optional<nlohmann::json>> m_unsaved; // Nothing stands for a removed key.
+    std::string m_lastFailure; // What the log was told last; empty once a write has gone well.
+    std::unique_ptr<Timer> m_nextAttempt; // While something is unsaved.
     enum class FileUse { replaced, keptAsItIs } m_fileUse { FileUse::replaced };
 };
 

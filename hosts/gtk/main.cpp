@@ -117,7 +117,7 @@ Run runApplication(
     ClockGtk clock;
     MainLoopGtk mainLoop;
     ApplicationLifecycleGtk lifecycle(session.application);
-    UserDefaultsGtk defaults(preferencesFile(configuration), *log);
+    UserDefaultsGtk defaults(preferencesFile(configuration), *log, mainLoop);
     WebViewGtk webView(mainLoop, *log, webEngineOptions(configuration, contents));
     PlaceholderGtk placeholder(resources);
     MainWindowGtk mainWindow(*session.application.operator->(), resources,

@@ -34,8 +34,8 @@ public:
     // never read as a number, nor a number as a boolean.
     [[nodiscard]] virtual std::optional<DefaultsValue> get(std::string_view key) const = 0;
 
-    // Stores the value so that the next `get`, and the next start of the application, sees it. A write that fails keeps
-    // the value for this process and leaves what is stored as it was.
+    // Stores the value so that the next `get`, and the next start of the application, sees it. A write that fails
+    // leaves what is stored as it was, and is made up for once it can be, at the latest when this object goes.
     virtual void set(std::string_view key, const DefaultsValue& value) = 0;
 
     // What the application's persistent domain holds now, also when another process has just changed it; what was
