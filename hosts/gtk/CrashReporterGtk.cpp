@@ -1,7 +1,6 @@
 #include "gtk/CrashReporterGtk.h"
 
 #include "base/JsonWriter.h"
-#include "platform/FileStore.h"
 
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -19,12 +18,25 @@ std::expected<void, CrashReporterError> CrashReporterGtk::start(const CrashRepor
     if (!m_record)
         return std::unexpected(CrashReporterError {
             .kind = CrashReporterError::Kind::unavailable, .message = "this system has no crash reporter" });
-    const Json record { { "host", options.host }, { "environment", options.environment },
-        { "release", options.release } };
-    if (const auto written = m_files.replace(*m_record, json::scriptText(record), FilePermissions::readableByAll);
-        !written)
+    m_options = options;
+    if (const auto written = write(); !written)
         return std::unexpected(CrashReporterError { .message = written.error().message });
     return {};
+}
+
+void CrashReporterGtk::capture(const CapturedError& error)
+{
+    m_errors.push_back({ .kind = error.kind, .message = m_options.scrub({}, error.message) });
+    static_cast<void>(write()); // As a report that cannot be sent.
+}
+
+std::expected<FileStamp, FileStoreError> CrashReporterGtk::write()
+{
+    Json record { { "host", m_options.host }, { "environment", m_options.environment },
+        { "release", m_options.release } };
+    for (const auto& error : m_errors)
+        record["errors"].push_back({ { "kind", error.kind }, { "message", error.message } });
+    return m_files.replace(*m_record, json::scriptText(record), FilePermissions::readableByAll);
 }
 
 }

@@ -9,6 +9,7 @@ namespace brevanta {
 class CrashReporterMac final : public CrashReporter {
 public:
     [[nodiscard]] std::expected<void, CrashReporterError> start(const CrashReporterOptions& options) override;
+    void capture(const CapturedError& error) override;
 };
 
 }

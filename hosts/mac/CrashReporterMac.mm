@@ -154,6 +154,14 @@ std::expected<void, CrashReporterError> CrashReporterMac::start(const CrashRepor
     return {};
 }
 
+void CrashReporterMac::capture(const CapturedError& error)
+{
+    SentryEvent* const event = [[SentryEvent alloc] initWithLevel:kSentryLevelError];
+    event.logger = displayString(error.kind);
+    event.message = [[SentryMessage alloc] initWithFormatted:displayString(error.message)];
+    [SentrySDK captureEvent:event]; // By way of `beforeSend`.
+}
+
 }
 
 NS_ASSUME_NONNULL_END

@@ -168,6 +168,8 @@ void AppDelegate::createInstallation()
         .bundle = m_ports.bundle,
         .root = m_configuration.root,
         .changed = [this] { installChanged(); },
+        .failed
+        = [this](const std::string& message) { m_crashReporting->capture({ .kind = "install", .message = message }); },
         .showQuitHeld = [this] { m_menuBarController->showQuitHeld(); },
     });
 }

@@ -92,6 +92,7 @@ InstallHold::Install ServiceInstallation::underWay() const
 // Each install's own: an alert that is still on screen must not swallow what the next one has to say.
 void ServiceInstallation::showFailure(const std::string& message)
 {
+    m_dependencies.failed(message);
     m_dependencies.alerts.present({ .identifier = "installationFailed-" + std::to_string(m_flight.generation()),
                                       .style = AlertStyle::warning,
                                       .message = "Installation Failed",

@@ -35,6 +35,7 @@ public:
         std::filesystem::path bundle;
         std::filesystem::path root;
         std::function<void()> changed; // The install has begun or ended.
+        std::function<void(const std::string& message)> failed; // Besides the alert; in English.
         std::function<void()> showQuitHeld; // Tells the user that the quit is about to come.
     };
 

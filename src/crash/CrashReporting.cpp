@@ -74,10 +74,29 @@ void CrashReporting::start(const CrashReportingSettings& settings)
     });
     if (!started)
         return log.log("[CrashReporting] not started: " + started.error().message);
+    m_isStarted = true;
     log.log("[CrashReporting] started (host=" + *host + ", environment=" + environment + ")");
 }
 
 void CrashReporting::addSecret(const std::string& secret) { m_secrets->add(secret); }
+
+void CrashReporting::capture(const CapturedError& error)
+{
+    const bool isKnown = std::ranges::find(m_captured, error) != m_captured.end();
+    if (!m_isStarted || isKnown || m_captured.size() == mostErrors)
+        return;
+    m_captured.push_back(error);
+    m_dependencies.reporter.capture(error);
+}
+
+void CrashReporting::serviceFailed(const DaemonFailure& failure)
+{
+    const auto* const error = std::get_if<DaemonError>(&failure);
+    const bool isUndecodable = error ? error->kind == DaemonError::Kind::invalidResponse
+                                     : !std::holds_alternative<JsonSerializationError>(failure);
+    if (isUndecodable)
+        capture({ .kind = "status", .message = describe(failure) });
+}
 
 void CrashReporting::consume(const std::shared_ptr<const BlockingStatus>& status)
 {

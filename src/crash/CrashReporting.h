@@ -1,15 +1,16 @@
 #pragma once
 
 #include "daemon/StatusConsumer.h"
+#include "platform/CrashReporter.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace brevanta {
 
-class CrashReporter;
 class SystemLog;
 struct Url;
 
@@ -20,7 +21,7 @@ struct CrashReportingSettings {
     std::string release;
 };
 
-// Decides whether crashes are reported, and sees to it that no report carries a secret. Main thread only.
+// Decides whether crashes are reported, and which errors; sees to it that no report carries a secret. Main thread only.
 class CrashReporting final : public StatusConsumer {
 public:
     struct Dependencies {
@@ -40,14 +41,21 @@ public:
     // From now on the text is taken out of every report. The last sixteen count; see `shortestSecret`.
     void addSecret(const std::string& secret);
 
+    // Reports the error if the reporter was started: each one once in a process, and no more than a few of them.
+    void capture(const CapturedError& error);
+    static constexpr std::size_t mostErrors = 16;
+
     // The token that the service holds is such a secret.
     void consume(const std::shared_ptr<const BlockingStatus>& status) override;
-    void serviceFailed(const DaemonFailure&) override { }
+    // A reply that cannot be decoded is such an error.
+    void serviceFailed(const DaemonFailure& failure) override;
 
 private:
     class Secrets;
 
     Dependencies m_dependencies;
+    bool m_isStarted { false };
+    std::vector<CapturedError> m_captured;
     std::shared_ptr<Secrets> m_secrets; // Shared with the reporter, which may outlive this object.
 };
 

@@ -34,7 +34,15 @@ struct CrashReporterError {
     bool operator==(const CrashReporterError&) const = default;
 };
 
-// Watches this process for crashes and errors and sends reports of them. It is silent until it is started.
+// An error that the client has noticed, and goes on after.
+struct CapturedError {
+    std::string kind; // Names the part of the client: "install".
+    std::string message; // In English.
+
+    bool operator==(const CapturedError&) const = default;
+};
+
+// Watches this process for crashes and sends reports of them, and of errors. It is silent until it is started.
 class CrashReporter {
 public:
     virtual ~CrashReporter() = default;
@@ -42,6 +50,9 @@ public:
     // Main thread; at most once in a process, and before anything that a report is wanted of. May wait a few seconds
     // when the last start of the application crashed at once. After an error nothing is watched and nothing sent.
     [[nodiscard]] virtual std::expected<void, CrashReporterError> start(const CrashReporterOptions& options) = 0;
+
+    // Sends a report of the error, sooner or later. Main thread; only after a start that went well.
+    virtual void capture(const CapturedError& error) = 0;
 };
 
 }

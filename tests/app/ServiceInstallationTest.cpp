@@ -35,6 +35,7 @@ protected:
         .bundle = bundle,
         .root = "/the/root",
         .changed = [] {},
+        .failed = [](const std::string&) {},
         .showQuitHeld = [this] { ++timesShownHeld; } } };
 };
 

@@ -56,19 +56,14 @@ protected:
 
 }
 
-TEST_F(CrashReportingTest, WithoutAnEndpointNothingIsStartedAndTheLogSaysSoOnce)
+TEST_F(CrashReportingTest, WithoutAnEndpointThatCanBeUsedNothingIsStartedAndTheLogDoesNotQuoteIt)
 {
     start("");
-    EXPECT_TRUE(reporter.starts.empty());
-    EXPECT_EQ(log.lines, std::vector<std::string> { "[CrashReporting] no endpoint: crashes are not reported" });
-}
-
-TEST_F(CrashReportingTest, WithAnEndpointThatCannotBeUsedNothingIsStartedAndTheLogDoesNotQuoteIt)
-{
     start("not-a-url-with-a-key");
     EXPECT_TRUE(reporter.starts.empty());
     EXPECT_EQ(log.lines,
-        std::vector<std::string> { "[CrashReporting] not started: the endpoint cannot be used: it is no URL" });
+        (std::vector<std::string> { "[CrashReporting] no endpoint: crashes are not reported",
+            "[CrashReporting] not started: the endpoint cannot be used: it is no URL" }));
 }
 
 TEST_F(CrashReportingTest, TheReporterLearnsEverythingAndTheLogNotTheKey)
@@ -102,6 +97,25 @@ TEST_F(CrashReportingTest, TheTokensOfTheSessionAreTakenOutWhereverTheyStand)
     EXPECT_EQ(scrubbed("headers.Cookie", "chocolate"), "[removed]");
     EXPECT_EQ(scrubbed("http.query", "chocolate"), "[removed]");
     EXPECT_EQ(scrubbed("category", "chocolate"), "chocolate");
+}
+
+TEST_F(CrashReportingTest, AReplyThatCannotBeDecodedIsReportedOnceAndErrorsNeverFlood)
+{
+    const DaemonFailure noJson = JsonParseError { "garbage" };
+    reporting.serviceFailed(noJson);
+    EXPECT_TRUE(reporter.captured.empty()) << "nobody wants reports";
+    start(endpointText);
+    for (const DaemonFailure& failure : { noJson, noJson, DaemonFailure(DaemonError {}),
+             DaemonFailure(DaemonError { DaemonError::Kind::rejected, "its own words" }),
+             DaemonFailure(DaemonError { DaemonError::Kind::invalidResponse, {} }),
+             DaemonFailure(StatusDecodingError { .key = "energy" }) })
+        reporting.serviceFailed(failure);
+    EXPECT_EQ(reporter.captured,
+        (std::vector<CapturedError> { { "status", "reply is not JSON: garbage" }, { "status", "invalidResponse" },
+            { "status", "reply is no status: \"energy\" is missing" } }));
+    for (int number = 0; number < 100; ++number)
+        reporting.capture({ .kind = "install", .message = std::to_string(number) });
+    EXPECT_EQ(reporter.captured.size(), CrashReporting::mostErrors);
 }
 
 TEST_F(CrashReportingTest, TheReporterMayOutliveTheOneWhoStartedIt)

@@ -18,7 +18,10 @@ public:
         return {};
     }
 
+    void capture(const CapturedError& error) override { captured.push_back(error); }
+
     std::vector<CrashReporterOptions> starts;
+    std::vector<CapturedError> captured;
     std::optional<CrashReporterError> failure; // What a start ends with.
 };
 

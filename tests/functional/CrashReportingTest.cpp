@@ -2,7 +2,6 @@
 
 #include "support/FileContents.h"
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -54,19 +53,6 @@ TEST_F(CrashReportingTest, itStartsBeforeAllElseInTheEnvironmentThatIsAskedFor)
     EXPECT_EQ(contentsOf(record()),
         R"({"environment":"nightly","host":"crashes.example","release":"com.brevanta.KestreluneMac@0.121.0"})");
     EXPECT_FALSE(bench().client().log().contains("the-key"));
-}
-
-TEST_F(CrashReportingTest, withoutAnEndpointNothingStartsAndTheLogSaysSoOnce)
-{
-    setEndpoint("");
-    const auto restarted = bench().restartClient();
-    ASSERT_TRUE(restarted) << restarted.error();
-    ASSERT_TRUE(showsDescription(notBlocking));
-    const auto lines = logLines();
-    ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(lines.front(), "[CrashReporting] no endpoint: crashes are not reported");
-    EXPECT_EQ(std::ranges::count_if(lines, [](const auto& line) { return line.starts_with("[CrashReporting]"); }), 1);
-    EXPECT_FALSE(std::filesystem::exists(record()));
 }
 
 }

@@ -39,8 +39,13 @@ NS_ASSUME_NONNULL_BEGIN
 @property (nullable, nonatomic, strong) NSDictionary<NSString*, NSString*>* headers;
 @end
 
+// Documentation: usage/set-level; macOS 10.13.
+typedef NS_ENUM(NSUInteger, SentryLevel) { kSentryLevelError = 4 };
+
 // Documentation: configuration/filtering, and enriching-events; macOS 10.13.
 @interface SentryEvent : NSObject
+- (instancetype)initWithLevel:(SentryLevel)level NS_DESIGNATED_INITIALIZER;
+@property (nullable, nonatomic, copy) NSString* logger;
 @property (nullable, nonatomic, strong) SentryMessage* message;
 @property (nullable, nonatomic, strong) NSArray<SentryException*>* exceptions;
 @property (nullable, nonatomic, strong) NSArray<SentryBreadcrumb*>* breadcrumbs;
@@ -68,9 +73,14 @@ NS_ASSUME_NONNULL_BEGIN
 @property (nonatomic, assign) BOOL enableAutoSessionTracking;
 @end
 
-// Documentation: configuration, and configuration/options; macOS 10.13.
+// Documentation: usage (capturing events); macOS 10.13.
+@interface SentryId : NSObject
+@end
+
+// Documentation: configuration, usage, and configuration/options; macOS 10.13.
 @interface SentrySDK : NSObject
 @property (class, nonatomic, readonly) BOOL isEnabled;
++ (SentryId*)captureEvent:(SentryEvent*)event;
 + (void)startWithConfigureOptions:(void (^)(SentryOptions* options))configureOptions;
 @end
 
