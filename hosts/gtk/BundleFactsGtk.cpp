@@ -74,12 +74,9 @@ SystemVersion systemVersion(const BuildConfiguration& configuration)
     return parsed;
 }
 
-std::optional<std::filesystem::path> sharedContainer(const std::filesystem::path& home)
+std::filesystem::path sharedContainer(const std::filesystem::path& home)
 {
-    auto container = home / "Library/Group Containers/group.com.brevanta.shared";
-    std::error_code error;
-    std::filesystem::create_directories(container, error);
-    return error ? std::nullopt : std::optional(std::move(container));
+    return home / "Library/Group Containers/group.com.brevanta.shared";
 }
 
 std::vector<std::string> systemLanguages()

@@ -43,8 +43,8 @@ namespace brevanta {
 // As the Mac's own file states it; a root without one is as new as can be.
 [[nodiscard]] SystemVersion systemVersion(const BuildConfiguration& configuration);
 
-// The group's container, which the Mac makes for its members.
-[[nodiscard]] std::optional<std::filesystem::path> sharedContainer(const std::filesystem::path& home);
+// The group's container, at the place that a Mac has it.
+[[nodiscard]] std::filesystem::path sharedContainer(const std::filesystem::path& home);
 
 // As the user's locale settings give them, the preferred one first.
 [[nodiscard]] std::vector<std::string> systemLanguages();

@@ -50,6 +50,7 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
                          .filterSystem = filterSystem,
                          .files = files,
                          .loginItem = loginItem,
+                         .sharedContainer = [home] { return sharedContainer(home); },
                          .parseUrl = parseUrl,
                          .location = [&configuration] { return location(configuration); },
                          .resources = contents / "Resources",

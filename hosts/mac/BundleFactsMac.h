@@ -5,6 +5,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -21,6 +22,10 @@ std::optional<std::string> textInMainBundle(NSString* _Nonnull key);
 
 // Where the bundle is now.
 AppLocationPolicy::Context locationOfMainBundle();
+
+// The group's container, which may not have been made yet; nothing when the application is not entitled to the group.
+// Any thread, as NSFileManager's own.
+std::optional<std::filesystem::path> sharedContainer();
 
 std::optional<std::string> environmentVariable(const char* _Nonnull name);
 

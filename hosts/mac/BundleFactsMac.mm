@@ -31,6 +31,15 @@ BuildConfiguration configurationOfMainBundle()
     return configuration;
 }
 
+std::optional<std::filesystem::path> sharedContainer()
+{
+    @autoreleasepool {
+        NSURL* const container = [NSFileManager.defaultManager
+            containerURLForSecurityApplicationGroupIdentifier:@"group.com.brevanta.shared"];
+        return container ? std::optional<std::filesystem::path>(utf8FromString(container.path)) : std::nullopt;
+    }
+}
+
 AppLocationPolicy::Context locationOfMainBundle()
 {
     return appLocation(utf8FromString(NSBundle.mainBundle.bundlePath), "/Applications",

@@ -45,6 +45,7 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
             .filterSystem = filterSystem,
             .files = files,
             .loginItem = loginItem,
+            .sharedContainer = sharedContainer,
             .parseUrl = [](const std::string& text) { return urlFrom(absoluteUrlFromText(stringFromUtf8(text))); },
             .location = locationOfMainBundle,
             .resources = utf8FromString(NSBundle.mainBundle.resourcePath),

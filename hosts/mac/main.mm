@@ -82,16 +82,6 @@ SystemVersion systemVersion()
         .patch = static_cast<int>(version.patchVersion) };
 }
 
-// Nothing when the application is not entitled to the group. NSFileManager may be asked on any thread.
-std::optional<std::filesystem::path> sharedContainer()
-{
-    @autoreleasepool {
-        NSURL* const container = [NSFileManager.defaultManager
-            containerURLForSecurityApplicationGroupIdentifier:@"group.com.brevanta.shared"];
-        return container ? std::optional<std::filesystem::path>(utf8FromString(container.path)) : std::nullopt;
-    }
-}
-
 // In the order of the system's settings.
 std::vector<std::string> systemLanguages()
 {

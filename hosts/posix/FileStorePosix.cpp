@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace brevanta {
 
@@ -127,6 +128,11 @@ bool FileStorePosix::isFolder(const std::filesystem::path& path) const
 {
     std::error_code error;
     return std::filesystem::is_directory(path, error);
+}
+
+bool FileStorePosix::isWritableFolder(const std::filesystem::path& path) const
+{
+    return isFolder(path) && !::access(path.c_str(), W_OK | X_OK);
 }
 
 std::optional<FilePermissions> FileStorePosix::permissions(const std::filesystem::path& path) const

@@ -62,7 +62,8 @@ struct AppPorts {
     ServiceManager& services;
     FilterSystem& filterSystem;
     FileStore& files;
-    // The folder that the client shares with the content filter; nothing while there is none. Any thread.
+    // The folder that the client shares with the content filter, whether it is there or not; nothing where the system
+    // has none for this application. Any thread.
     std::function<std::optional<std::filesystem::path>()> sharedContainer;
     SystemVersion systemVersion;
     std::function<std::string()> newUuid; // A fresh random UUID, RFC 9562 version 4, in its usual form.

@@ -68,11 +68,12 @@ struct SharedBlockStateWriter::Slot {
             bytes.reserve(lastSize + lastSize / 8);
             appendSharedBlockState(bytes, sharedBlockState(*status));
             lastSize = bytes.size();
-            const auto replaced = dependencies.files.replace(path, bytes, FilePermissions::ownerOnly);
-            if (!replaced) {
-                written = nullptr;
+            written = nullptr;
+            if (!dependencies.files.createFolder(*folder))
                 return;
-            }
+            const auto replaced = dependencies.files.replace(path, bytes, FilePermissions::ownerOnly);
+            if (!replaced)
+                return;
             stamp = *replaced;
         }
         // Of equal ones the newer is kept: it is what the rest of the client holds, too.

@@ -21,7 +21,8 @@ public:
     struct Dependencies {
         Executor& queue; // Serial.
         FileStore& files;
-        // The folder that the client shares with the filter; nothing while there is none. Called on the queue.
+        // The folder that the client shares with the filter, made here if it is missing; nothing where the system has
+        // none for this application. Called on the queue.
         std::function<std::optional<std::filesystem::path>()> container;
         std::string fileName;
     };

@@ -169,6 +169,27 @@ Finding placed(std::string key, std::string title, const std::string& path, File
     return needsUser(std::move(key), std::move(title), "not as this version writes it: " + path, std::string(openOnce));
 }
 
+// The client writes it with the first status, and says nothing when it cannot.
+Finding sharedState(const DiagnosisFacts& facts)
+{
+    constexpr auto key = "filter.sharedState";
+    constexpr auto title = "What it reads";
+    if (!facts.sharedState)
+        return needsUser(key, title, "the system has no folder for it",
+            "Install Brevanta anew: its bundle is damaged, or not signed.");
+    using Condition = DiagnosisFacts::SharedState::Condition;
+    const auto& [file, condition] = *facts.sharedState;
+    if (condition == Condition::notWritable)
+        return needsUser(key, title, "cannot be written: " + file.string(),
+            "Allow your user to write in the folder " + file.parent_path().string() + ".");
+    if (condition == Condition::there)
+        return good(key, title, file.string());
+    if (!std::holds_alternative<DiagnosisFacts::Answer>(facts.contact))
+        return notice(key, title, "not there yet: " + file.string());
+    return needsUser(key, title, "missing: " + file.string(),
+        "Open Brevanta, which writes this file; if it runs, see whether the disk is full.");
+}
+
 std::string keyOf(std::string_view name)
 {
     auto key = lowerCased(name);
@@ -257,7 +278,8 @@ Diagnosis diagnose(const DiagnosisFacts& facts)
 {
     std::vector<Finding> findings { good("application.version", "Application", facts.version), location(facts),
         good("service.bundledVersion", "Bundled service", facts.bundledServiceVersion), service(facts),
-        runningVersion(facts), backgroundItem(facts), socket(facts), account(facts), filter(facts) };
+        runningVersion(facts), backgroundItem(facts), socket(facts), account(facts), filter(facts),
+        sharedState(facts) };
     addNativeMessaging(findings, facts);
     findings.push_back(sounds(facts));
     findings.push_back(updates(facts));

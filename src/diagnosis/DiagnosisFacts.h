@@ -36,6 +36,14 @@ struct DiagnosisFacts {
     };
     using Contact = std::variant<Answer, NoSocket, NoAnswerInTime, DaemonFailure>;
 
+    // The file that the filter reads.
+    struct SharedState {
+        enum class Condition { there, missing, notWritable };
+
+        std::filesystem::path file;
+        Condition condition { Condition::missing };
+    };
+
     struct Updates {
         std::optional<std::string> feed; // The text that the information dictionary has; nothing when it has none.
         bool isUsable { false }; // Feed and key are.
@@ -52,6 +60,7 @@ struct DiagnosisFacts {
     FilterStatus filter { FilterStatus::checking };
     ComponentLine filterLine;
     std::optional<std::string> filterVersion; // Of the extension that the system runs.
+    std::optional<SharedState> sharedState; // Nothing where the system has no folder for it.
     NativeMessagingState nativeMessaging;
     std::vector<std::string> confinedBrowsers;
     std::vector<SoundState> sounds;

@@ -3,6 +3,7 @@
 #include "crash/CrashEndpoint.h"
 #include "daemon/BlockingStatus.h"
 #include "daemon/DaemonClient.h"
+#include "daemon/SharedBlockState.h"
 #include "daemon/SocketTransport.h"
 #include "filter/ComponentLabels.h"
 #include "filter/ExtensionRecords.h"
@@ -112,6 +113,7 @@ void DiagnosisRun::readFiles()
     m_facts.home = m_ports.home;
     m_facts.socketPath = m_configuration.socketPath;
     m_facts.location = m_ports.location();
+    m_facts.sharedState = sharedState();
     m_facts.nativeMessaging = inspectNativeMessaging(m_ports.files,
         { .mode = m_configuration.flavour == Flavour::dev ? NativeMessagingPolicy::Mode::dev
                                                           : NativeMessagingPolicy::Mode::prod,
@@ -127,6 +129,20 @@ void DiagnosisRun::readFiles()
     m_facts.reportsCrashes = crashEndpointHost(m_ports.parseUrl(m_configuration.crashEndpoint)).has_value();
     m_facts.lastService = lastConclusive(m_ports.defaults, ProtectiveComponent::blockingService);
     m_facts.lastFilter = lastConclusive(m_ports.defaults, ProtectiveComponent::contentFilter);
+}
+
+std::optional<DiagnosisFacts::SharedState> DiagnosisRun::sharedState() const
+{
+    using Condition = DiagnosisFacts::SharedState::Condition;
+    const auto container = m_ports.sharedContainer();
+    if (!container)
+        return std::nullopt;
+    const auto file = *container / sharedBlockStateFileName(m_configuration.flavour == Flavour::dev ? "dev" : "prod");
+    // The client makes a folder that is missing.
+    if (m_ports.files.isFolder(*container) && !m_ports.files.isWritableFolder(*container))
+        return DiagnosisFacts::SharedState { .file = file, .condition = Condition::notWritable };
+    return DiagnosisFacts::SharedState { .file = file,
+        .condition = m_ports.files.stamp(file) ? Condition::there : Condition::missing };
 }
 
 void DiagnosisRun::answered(Question question)

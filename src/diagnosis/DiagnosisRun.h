@@ -36,6 +36,7 @@ struct DiagnosisPorts {
     FilterSystem& filterSystem;
     FileStore& files; // Read only.
     LoginItem& loginItem;
+    std::function<std::optional<std::filesystem::path>()> sharedContainer; // As in AppPorts.
     std::function<std::optional<Url>(const std::string& text)> parseUrl;
     std::function<AppLocationPolicy::Context()> location;
     std::filesystem::path resources;
@@ -70,6 +71,7 @@ private:
     void askFilter();
     void answered(Question question);
     void readFiles();
+    [[nodiscard]] std::optional<DiagnosisFacts::SharedState> sharedState() const;
     void statusArrived(const std::expected<std::shared_ptr<const BlockingStatus>, DaemonFailure>& status);
     void end();
 

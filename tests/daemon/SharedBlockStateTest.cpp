@@ -150,8 +150,13 @@ TEST_F(SharedBlockStateWriterTest, AFailureLeavesTheOldFileAndTheNextSubmissionT
     submit(statusWithReason("unheard"));
     EXPECT_EQ(writtenReason(), "unheard");
     folder = "/another";
+    files.folderFailure = FileStoreError { "Permission denied" };
+    submit(statusWithReason("unheard"));
+    EXPECT_EQ(files.writes().size(), 3U);
+    files.folderFailure.reset();
     submit(statusWithReason("unheard"));
     EXPECT_TRUE(files.contents("/another/block_state.json"));
+    EXPECT_TRUE(files.folders().contains("/another")) << "the system makes none";
 }
 
 TEST_F(SharedBlockStateWriterTest, AWriterThatIsGoneLeavesItsQueuedWorkWithoutHarm)

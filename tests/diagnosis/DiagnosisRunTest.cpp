@@ -43,6 +43,7 @@ protected:
                         .filterSystem = filterSystem,
                         .files = files,
                         .loginItem = loginItem,
+                        .sharedContainer = [] { return std::filesystem::path("/shared"); },
                         .parseUrl = [](const std::string&) { return std::optional<Url>(); },
                         .location = [] { return AppLocationPolicy::Context {}; },
                         .resources = "/Resources",
@@ -110,6 +111,15 @@ TEST_F(DiagnosisRunTest, EverythingIsAskedOnceAndNothingIsChanged)
     mainLoop.advance(60);
     EXPECT_EQ(ends, 1);
     EXPECT_EQ(sockets.interrupts, 0);
+
+    using Condition = DiagnosisFacts::SharedState::Condition;
+    EXPECT_EQ(facts.sharedState->condition, Condition::missing) << "the client makes the folder, too";
+    files.replaceFromOutside(facts.sharedState->file, "{}");
+    finish();
+    EXPECT_EQ(facts.sharedState->condition, Condition::there);
+    files.folderFailure = FileStoreError { "Permission denied" };
+    finish();
+    EXPECT_EQ(facts.sharedState->condition, Condition::notWritable);
 }
 
 TEST_F(DiagnosisRunTest, TheServicesStateSaysWhyItDoesNotAnswer)

@@ -27,6 +27,8 @@ DiagnosisFacts wellFacts()
         .filter = FilterStatus::on,
         .filterLine = { "✓ Content Filter", ComponentAction::none },
         .filterVersion = "1.2.3",
+        .sharedState
+        = { { .file = "/Users/ada/shared/state.json", .condition = DiagnosisFacts::SharedState::Condition::there } },
         .nativeMessaging = { .launcherFile = "/Library/Application Support/Brevanta/native-host",
             .launcher = FilePlacement::inPlace,
             .manifests = { { .browser = "Chromium",
@@ -97,6 +99,10 @@ TEST(DiagnosisTest, EachTroubleNamesTheOneThingToDo)
             facts.filterLine = line;
         };
     };
+    using Condition = DiagnosisFacts::SharedState::Condition;
+    const auto sharedStateIs = [](Condition condition) {
+        return [condition](DiagnosisFacts& facts) { facts.sharedState->condition = condition; };
+    };
     const DaemonFailure refused = DaemonError { DaemonError::Kind::connectionFailed, {} };
     const Situation situations[] {
         { "application.location", "~/Downloads/Brevanta.app (elsewhere)", "Move Brevanta to Applications",
@@ -121,6 +127,10 @@ TEST(DiagnosisTest, EachTroubleNamesTheOneThingToDo)
             filterIs(FilterStatus::off, { "⚠ Content Filter: Off", ComponentAction::none }) },
         { "filter.state", "cantCheck", "Ask again",
             filterIs(FilterStatus::cantCheck, { "Content Filter: Can't check", ComponentAction::none }) },
+        { "filter.sharedState", "no folder", "Install Brevanta anew",
+            [](DiagnosisFacts& facts) { facts.sharedState.reset(); } },
+        { "filter.sharedState", "cannot be written", "write in the folder", sharedStateIs(Condition::notWritable) },
+        { "filter.sharedState", "missing", "disk is full", sharedStateIs(Condition::missing) },
         { "nativeMessaging.launcher", "missing", "open it",
             [](DiagnosisFacts& facts) { facts.nativeMessaging.launcher = FilePlacement::missing; } },
         { "nativeMessaging.manifest.chromium", "not as this version writes it", "open it",
