@@ -23,14 +23,19 @@ Result failed(Kind kind, std::string message = {})
     return std::unexpected(AdministratorError { .kind = kind, .message = std::move(message) });
 }
 
+std::string messageIn(NSDictionary<NSString*, id>* _Nullable information)
+{
+    const id message = [information objectForKey:OSAScriptErrorMessageKey];
+    NSString* const text = [message isKindOfClass:NSString.class] ? static_cast<NSString*>(message) : nil;
+    return utf8FromString(text);
+}
+
 Result failureIn(NSDictionary<NSString*, id>* information)
 {
     const id number = [information objectForKey:OSAScriptErrorNumberKey];
     if ([number isKindOfClass:NSNumber.class] && static_cast<NSNumber*>(number).intValue == userCancelled)
         return failed(Kind::cancelled);
-    const id message = [information objectForKey:OSAScriptErrorMessageKey];
-    NSString* const text = [message isKindOfClass:NSString.class] ? static_cast<NSString*>(message) : nil;
-    return failed(Kind::scriptFailed, utf8FromString(text));
+    return failed(Kind::scriptFailed, messageIn(information));
 }
 
 // Waits for the user and for the script.
@@ -50,9 +55,9 @@ Result runAppleScript(const std::string& source)
                                                         fromURL:nil
                                                languageInstance:instance
                                             usingStorageOptions:OSANull];
-    if (![script compileAndReturnError:nil])
-        return failed(Kind::notCompiled);
     NSDictionary<NSString*, id>* information = nil;
+    if (![script compileAndReturnError:&information])
+        return failed(Kind::notCompiled, messageIn(information));
     NSAppleEventDescriptor* const result = [script executeAndReturnError:&information];
     if (result)
         return utf8FromString(result.stringValue);

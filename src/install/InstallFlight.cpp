@@ -22,7 +22,7 @@ std::string textFor(const AdministratorError& error)
     case AdministratorError::Kind::cancelled:
         break;
     }
-    return "Daemon installation failed: " + error.message;
+    return "Daemon installation failed: " + failureOfInstallScript(error.message);
 }
 
 }
@@ -62,18 +62,23 @@ void InstallFlight::whenEnded(std::function<void(InstallOutcome)> waiter)
 
 void InstallFlight::answered(const std::expected<std::string, AdministratorError>& answer)
 {
-    if (answer)
+    if (answer) {
+        m_dependencies.log.log("[DaemonInstall] the blocking service was installed");
         return ended(InstallOutcome::installed);
-    if (answer.error().kind != AdministratorError::Kind::cancelled)
-        return failed(textFor(answer.error()));
+    }
+    const auto& error = answer.error();
+    if (error.kind == AdministratorError::Kind::notCompiled)
+        return failed(textFor(error), error.message);
+    if (error.kind != AdministratorError::Kind::cancelled)
+        return failed(textFor(error));
     m_dependencies.log.log("[DaemonInstall] administrator prompt cancelled by the user");
     ended(InstallOutcome::cancelled);
 }
 
-void InstallFlight::failed(const std::string& message)
+void InstallFlight::failed(const std::string& message, const std::string& detail)
 {
     // An alert goes with the application, if a quit has been waiting for this end.
-    m_dependencies.log.log("[DaemonInstall] " + message);
+    m_dependencies.log.log("[DaemonInstall] " + message + (detail.empty() ? "" : " (" + detail + ")"));
     m_dependencies.showFailure(message);
     ended(InstallOutcome::failed);
 }

@@ -47,7 +47,7 @@ public:
 
 private:
     void answered(const std::expected<std::string, AdministratorError>& answer);
-    void failed(const std::string& message);
+    void failed(const std::string& message, const std::string& detail = {}); // The detail is for the log.
     void ended(InstallOutcome outcome);
 
     Dependencies m_dependencies;

@@ -112,17 +112,20 @@ std::string stop()
         + " >/dev/null 2>&1; do i=$((i+1)); if [ $i -ge 100 ]; then break; fi; sleep 0.1; done";
 }
 
-std::string start(const InstallPaths& paths)
+std::string refusedText()
 {
-    const auto attempts = std::to_string(bootstrapAttempts);
-    const auto seconds = formatFixed(bootstrapAttempts * secondsBetweenAttempts, 0);
-    const auto refused = "launchd did not accept the blocking service after " + attempts + " attempts over about "
-        + seconds
+    return "launchd did not accept the blocking service after " + std::to_string(bootstrapAttempts)
+        + " attempts over about " + formatFixed(bootstrapAttempts * secondsBetweenAttempts, 0)
         + " seconds (Input/output error, the previous service is still registered). Choose Restart Blocking Service "
           "from the menu to try again.";
+}
+
+std::string start(const InstallPaths& paths)
+{
     return "n=0; while :; do launchctl bootstrap system " + quoted(paths.propertyList())
-        + " && break; rc=$?; if [ $rc -ne 5 ]; then exit $rc; fi; n=$((n+1)); if [ $n -ge " + attempts + " ]; then "
-        + toStandardError(refused) + "; exit $rc; fi; sleep " + formatFixed(secondsBetweenAttempts, 2) + "; done";
+        + " && break; rc=$?; if [ $rc -ne 5 ]; then exit $rc; fi; n=$((n+1)); if [ $n -ge "
+        + std::to_string(bootstrapAttempts) + " ]; then " + toStandardError(refusedText()) + "; exit $rc; fi; sleep "
+        + formatFixed(secondsBetweenAttempts, 2) + "; done";
 }
 
 std::string endIfRemovalBegan(const InstallPaths& paths)
@@ -182,6 +185,12 @@ std::string installScript(const InstallPaths& paths)
         + lock + " /bin/sh -c " + shellQuoted(script) + " || { rc=$?; if [ $rc -eq 75 ]; then "
         + toStandardError("Brevanta is still removing its blocking service from this Mac. Try again in a minute.")
         + "; fi; exit $rc; }";
+}
+
+std::string failureOfInstallScript(std::string_view errors)
+{
+    const auto refused = refusedText();
+    return errors.contains(refused) ? refused : std::string(errors);
 }
 
 std::string shellQuoted(std::string_view text)

@@ -11,12 +11,12 @@ struct AdministratorError {
         cancelled, // The user did not give a password.
         scriptFailed, // It ran, and ended with another status than 0; `message` is what it wrote to standard error.
         unavailable, // This system has no way to ask for an administrator's password.
-        notCompiled, // What was to be run could not be read.
+        notCompiled, // What was to be run could not be read; `message` says why where the system does.
         noResult, // It ran, and nothing is known of its end.
     };
 
     Kind kind { Kind::scriptFailed };
-    std::string message {}; // In English; for `scriptFailed` only.
+    std::string message {}; // In English, or as the system words it; for these two only.
 
     bool operator==(const AdministratorError&) const = default;
 };

@@ -41,7 +41,7 @@ constexpr const char* launchctl = R"(count=$(grep -c "^launchctl $1" "$CALLS")
 case $1 in
 bootout) exit 3 ;;
 print) [ "$count" -le "${STAYS:-0}" ] ;;
-bootstrap) [ "$count" -gt "${REFUSALS:-0}" ] || exit "$REFUSAL" ;;
+bootstrap) [ "$count" -gt "${REFUSALS:-0}" ] || { echo "failed: $REFUSAL" >&2; exit "$REFUSAL"; } ;;
 esac
 )";
 constexpr const char* lockf = "eval \"$WHILE_WAITING\"; shift 5; exec \"$@\"\n";
@@ -167,7 +167,7 @@ TEST_F(InstallScriptRunTest, StartsTheServiceInUpToTwentyAttemptsWhileTheOldOneI
 {
     const std::string refused
         = "launchd did not accept the blocking service after 20 attempts over about 5 seconds (Input/output error, the "
-          "previous service is still registered). Choose Restart Blocking Service from the menu to try again.\n";
+          "previous service is still registered). Choose Restart Blocking Service from the menu to try again.";
     struct Case {
         std::string refusals;
         int expectedStatus;
@@ -175,17 +175,17 @@ TEST_F(InstallScriptRunTest, StartsTheServiceInUpToTwentyAttemptsWhileTheOldOneI
         std::string message;
     };
     for (const auto& [refusals, expectedStatus, attempts, message] : std::initializer_list<Case> {
-             { "REFUSALS=3 REFUSAL=5", 0, 4, "" },
-             { "REFUSALS=19 REFUSAL=5", 0, 20, "" },
+             { "REFUSALS=3 REFUSAL=5", 0, 4, "failed: 5\nfailed: 5\nfailed: 5\n" },
+             { "REFUSALS=0", 0, 1, "" },
              { "REFUSALS=20 REFUSAL=5", 5, 20, refused },
-             { "REFUSALS=1 REFUSAL=37", 37, 1, "" },
+             { "REFUSALS=1 REFUSAL=37", 37, 1, "failed: 37\n" },
          }) {
         std::filesystem::remove(m_calls);
         EXPECT_EQ(run(installScript(m_paths), "STAYS=1000 " + refusals), expectedStatus);
         EXPECT_EQ(count("launchctl bootstrap "), attempts);
         EXPECT_EQ(count("sleep 0.25"), attempts - 1);
         EXPECT_EQ(count("launchctl print "), 100); // Then it goes on regardless.
-        EXPECT_EQ(errors(), message);
+        EXPECT_EQ(failureOfInstallScript(errors()), message);
     }
 }
 

@@ -61,25 +61,29 @@ TEST_F(InstallFlightTest, TheUserIsToldOfEachFailureButNotOfACancelledPassword)
     struct Case {
         HeldAdministrator::Answer answer;
         InstallOutcome outcome;
-        const char* failure; // What the user is told; null for nothing, as the next.
-        const char* line; // In the log.
+        std::string failure; // What the user is told, and the log; empty for nothing.
+        std::string line; // In the log; for a failure what stands there behind it.
     };
-    const auto error = [](Kind kind, const char* message = "") {
+    const auto error = [](Kind kind, const std::string& message = "") {
         return std::unexpected(AdministratorError { .kind = kind, .message = message });
     };
+    const std::string refused
+        = "launchd did not accept the blocking service after 20 attempts over about 5 seconds (Input/output error, the "
+          "previous service is still registered). Choose Restart Blocking Service from the menu to try again.";
+    const std::string installed = "[DaemonInstall] the blocking service was installed";
     for (const auto& [answer, outcome, failure, line] : {
-             Case { "", InstallOutcome::installed, nullptr, nullptr },
-             Case { "some words", InstallOutcome::installed, nullptr, nullptr },
-             Case { error(Kind::cancelled), InstallOutcome::cancelled, nullptr,
+             Case { "", InstallOutcome::installed, "", installed },
+             Case { "some words", InstallOutcome::installed, "", installed },
+             Case { error(Kind::cancelled), InstallOutcome::cancelled, "",
                  "[DaemonInstall] administrator prompt cancelled by the user" },
              Case { error(Kind::scriptFailed, "no room"), InstallOutcome::failed, "Daemon installation failed: no room",
-                 "[DaemonInstall] Daemon installation failed: no room" },
-             Case { error(Kind::unavailable), InstallOutcome::failed, "AppleScript is not available on this Mac.",
-                 "[DaemonInstall] AppleScript is not available on this Mac." },
-             Case { error(Kind::notCompiled), InstallOutcome::failed, "The install script could not be compiled.",
-                 "[DaemonInstall] The install script could not be compiled." },
-             Case { error(Kind::noResult), InstallOutcome::failed, "The install script returned no result.",
-                 "[DaemonInstall] The install script returned no result." },
+                 "" },
+             Case { error(Kind::scriptFailed, "Bootstrap failed: 5: Input/output error\r" + refused),
+                 InstallOutcome::failed, "Daemon installation failed: " + refused, "" },
+             Case { error(Kind::unavailable), InstallOutcome::failed, "AppleScript is not available on this Mac.", "" },
+             Case { error(Kind::notCompiled, "Expected end of line."), InstallOutcome::failed,
+                 "The install script could not be compiled.", " (Expected end of line.)" },
+             Case { error(Kind::noResult), InstallOutcome::failed, "The install script returned no result.", "" },
          }) {
         failures.clear();
         ends.clear();
@@ -87,9 +91,10 @@ TEST_F(InstallFlightTest, TheUserIsToldOfEachFailureButNotOfACancelledPassword)
         flight.begin();
         awaitEnd("page");
         administrator.answer(answer);
-        EXPECT_EQ(failures, failure ? std::vector<std::string> { failure } : std::vector<std::string> {});
+        using Lines = std::vector<std::string>;
+        EXPECT_EQ(failures, failure.empty() ? Lines {} : Lines { failure });
         EXPECT_EQ(ends, (decltype(ends) { { "page", outcome } }));
-        EXPECT_EQ(log.lines, line ? std::vector<std::string> { line } : std::vector<std::string> {});
+        EXPECT_EQ(log.lines, Lines { failure.empty() ? line : "[DaemonInstall] " + failure + line });
     }
     EXPECT_EQ(administrator.scripts.back(), installScript(inBundle));
     EXPECT_EQ(administrator.prompts.back(), installPrompt);
