@@ -204,6 +204,10 @@ void AppDelegate::createWindow()
         .onboardingChanged = [this] { m_menuBarController->onboardingChanged(); },
     });
     m_removal = std::make_unique<RemovalShellController>(*m_daemonClient, m_installation->flight(), m_ports.log);
+    m_removal->addObserver([this] {
+        if (m_removal->shell().isRemoved())
+            m_sharedStateWriter->clear();
+    });
     m_webViewWindow = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
         .mainLoop = m_ports.mainLoop,
         .pageScriptQueue = m_ports.pageScriptQueue,

@@ -104,4 +104,22 @@ void SharedBlockStateWriter::submit(std::shared_ptr<const BlockingStatus> status
         m_slot->dependencies.queue.post([slot = m_slot] { slot->drain(); });
 }
 
+void SharedBlockStateWriter::clear()
+{
+    m_isCleared = true;
+    submit(std::make_shared<const BlockingStatus>());
+}
+
+void SharedBlockStateWriter::consume(const std::shared_ptr<const BlockingStatus>& status)
+{
+    m_isCleared = false;
+    submit(status);
+}
+
+void SharedBlockStateWriter::serviceFailed(const DaemonFailure&)
+{
+    if (m_isCleared)
+        clear();
+}
+
 }

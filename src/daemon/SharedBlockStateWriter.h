@@ -34,14 +34,19 @@ public:
     // file is no longer the one that was written.
     void submit(std::shared_ptr<const BlockingStatus> status);
 
-    void consume(const std::shared_ptr<const BlockingStatus>& status) override { submit(status); }
-    void serviceFailed(const DaemonFailure&) override {
-    } // The last known state stays: the filter goes on by it until its lease ends.
+    // The blocking service has been removed: makes a state pending in which nothing is blocked, without token and
+    // lists. It stays so until the next status, also if the file cannot be written at first.
+    void clear();
+
+    void consume(const std::shared_ptr<const BlockingStatus>& status) override;
+    // The last known state stays: the filter goes on by it until its lease ends.
+    void serviceFailed(const DaemonFailure&) override;
 
 private:
     struct Slot;
 
     std::shared_ptr<Slot> m_slot;
+    bool m_isCleared { false };
 };
 
 }

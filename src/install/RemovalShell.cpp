@@ -88,11 +88,23 @@ bool RemovalShell::isFinishing() const
 
 std::string RemovalShell::stateText() const
 {
-    if (m_daemonGone && m_sawCommit)
+    if (isRemoved())
         return "removed";
     if (m_daemonReplied && m_statusAvailable)
         return textOf(m_snapshot.state);
     return "unavailable";
+}
+
+std::string RemovalShell::step() const
+{
+    if (isRemoved())
+        return "removed";
+    if (!m_daemonReplied)
+        return {};
+    std::string step = textOf(m_snapshot.state);
+    if (m_snapshot.queueError)
+        step += ", not queued: " + *m_snapshot.queueError;
+    return step;
 }
 
 Json RemovalShell::state(bool filterRemovable) const

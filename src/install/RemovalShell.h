@@ -31,6 +31,12 @@ public:
     // The service is about to go: it is handed nothing new, no sign-in token either.
     [[nodiscard]] bool isFinishing() const;
 
+    // Nobody is there any more who could block.
+    [[nodiscard]] bool isRemoved() const { return m_daemonGone && m_sawCommit; }
+
+    // The state's name, with what kept the service from queuing a request: for the log. Empty while nothing is known.
+    [[nodiscard]] std::string step() const;
+
     // What the page is told: an object with "schema" 1. `filterRemovable`: whether the page may have the content filter
     // removed.
     [[nodiscard]] Json state(bool filterRemovable) const;

@@ -65,8 +65,20 @@ void RemovalShellController::send(const RemovalRequest& request, const std::stri
 
 void RemovalShellController::changed(RemovalShell::Change change)
 {
-    if (change == RemovalShell::Change::changed && m_observer)
-        m_observer();
+    if (change == RemovalShell::Change::none)
+        return;
+    logStep();
+    for (const auto& observer : m_observers)
+        observer();
+}
+
+void RemovalShellController::logStep()
+{
+    auto step = m_shell.step();
+    if (step.empty() || step == m_loggedStep)
+        return;
+    m_log.log("[Removal] " + step);
+    m_loggedStep = std::move(step);
 }
 
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace brevanta {
 
@@ -32,18 +33,20 @@ public:
 
     [[nodiscard]] const RemovalShell& shell() const { return m_shell; }
 
-    // Called after every change. One observer.
-    void setObserver(std::function<void()> observer) { m_observer = std::move(observer); }
+    // Called after every change, for as long as this object lives.
+    void addObserver(std::function<void()> observer) { m_observers.push_back(std::move(observer)); }
 
 private:
     void send(const RemovalRequest& request, const std::string& account);
     void changed(RemovalShell::Change change);
+    void logStep();
 
     DaemonClient& m_daemonClient;
     const ServiceInstaller& m_installer;
     SystemLog& m_log;
     RemovalShell m_shell;
-    std::function<void()> m_observer;
+    std::string m_loggedStep { "none" };
+    std::vector<std::function<void()>> m_observers;
     LifeToken m_life;
 };
 

@@ -44,15 +44,11 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
           m_dependencies.bringWindowForward, m_dependencies.applicationsFolder })
 {
     buildTable();
-    m_dependencies.removal.setObserver([this] { m_stateMessages.removalChanged(); });
+    m_dependencies.removal.addObserver(m_life.guard([this] { m_stateMessages.removalChanged(); }));
     m_dependencies.deviceSetup.setChangeHandler([this] { m_stateMessages.deviceSetupChanged(); });
 }
 
-WebViewBridge::~WebViewBridge()
-{
-    m_dependencies.removal.setObserver({});
-    m_dependencies.deviceSetup.setChangeHandler({});
-}
+WebViewBridge::~WebViewBridge() { m_dependencies.deviceSetup.setChangeHandler({}); }
 
 // The order in which a message is compared.
 void WebViewBridge::buildTable()

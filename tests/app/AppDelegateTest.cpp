@@ -161,6 +161,10 @@ TEST_F(AppDelegateTest, TheLaunchKeepsItsOrder)
     EXPECT_EQ(webView.loads, (std::vector<FakeWebView::Load> { { "https://www.example.com/", 20 } }));
     EXPECT_EQ(sockets.paths, std::vector<std::string> { "/the/socket" });
     EXPECT_TRUE(hasLine("[LoginItem] registered after the 1st attempt"));
+    statusItem.choose("⚠ Install Blocking Service…");
+    ASSERT_EQ(crashReporter.captured.size(), 1u);
+    EXPECT_EQ(crashReporter.captured.front().kind, "install");
+    EXPECT_TRUE(crashReporter.captured.front().message.starts_with("Daemon file missing from bundle: "));
 }
 
 TEST_F(AppDelegateTest, AStatusIsHandedOnInOneOrder)
@@ -214,6 +218,37 @@ TEST_F(AppDelegateTest, TheUpdateOfferMakesWayForOnboardingAtOnceAndIsNotLost)
     mainLoop.runPosted();
     EXPECT_EQ(alerts.presented.size(), 2U);
     EXPECT_EQ(alerts.onScreen(), 1U);
+}
+
+TEST_F(AppDelegateTest, ARemovalIsLoggedAndLeavesNothingOfTheUserInTheFileThatTheFilterReads)
+{
+    const auto poll = [this](FakeLocalSockets::Peer peer, const char* state, int seq) {
+        const Json record { { "state", state }, { "launch", "A" }, { "launch_order", 1 }, { "seq", seq } };
+        sockets.peer = peer;
+        sockets.pieces = { statusReply({ { "auth_token", "the-token" }, { "removal", record } }).dump() + '\n' };
+        mainLoop.advance(2);
+        queue.runAll();
+        mainLoop.runPosted();
+        sharedStateQueue.runAll();
+        return files.contents("/shared/block_state.json").value_or("");
+    };
+    using enum FakeLocalSockets::Peer;
+    launch();
+    poll(listens, "none", 1);
+    poll(absent, "", 0);
+    poll(listens, "pending", 3);
+    EXPECT_TRUE(poll(listens, "finishing", 4).contains("the-token"));
+    files.failure = FileStoreError { "No space left on device" };
+    EXPECT_TRUE(poll(absent, "", 0).contains("the-token"));
+    files.failure.reset();
+    EXPECT_EQ(poll(absent, "", 0),
+        R"({"shouldBlock":false,"blockedDomains":[],"blockedIPs":[],"autoTrackDomains":[],"meteredIPPrefixes":[],)"
+        R"("meteredDomains":[]})");
+    EXPECT_TRUE(poll(listens, "none", 5).contains("the-token")) << "it was not gone after all";
+    std::erase_if(log.lines, [](const std::string& line) { return !line.starts_with("[Removal] "); });
+    EXPECT_EQ(log.lines,
+        (std::vector<std::string> {
+            "[Removal] pending", "[Removal] finishing", "[Removal] removed", "[Removal] none" }));
 }
 
 TEST_F(AppDelegateTest, RightAfterLoginTheWindowStaysHidden)
