@@ -106,10 +106,6 @@ UrlError codeOf(const GError& error, NetworkFacts facts)
 
 }
 
-WebError webError(UrlError code) { return { "NSURLErrorDomain", static_cast<int>(code) }; }
-
-WebError cancelledError() { return webError(UrlError::cancelled); }
-
 WebError webErrorOf(const GError& error, NetworkFacts facts)
 {
     // WebKitGTK's policy errors have the numbers of WebKitErrorDomain on the Mac.

@@ -11,19 +11,21 @@ namespace brevanta {
 
 namespace {
 
-constexpr double reloadTimeoutSeconds = 60;
 constexpr int frameLoadInterrupted = WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE;
 
-bool hasSameOrigin(const Url& one, const Url& other)
-{
-    return one.scheme == other.scheme && one.host == other.host && one.port == other.port;
-}
+std::optional<Url> urlOf(const char* uri) { return uri ? parseUrl(uri) : std::nullopt; }
 
 NetworkFacts networkFacts(const std::string& failedUrl)
 {
     const auto url = parseUrl(failedUrl);
     return { .isNetworkAvailable = g_network_monitor_get_network_available(g_network_monitor_get_default()) != FALSE,
         .isLoopback = url && isLoopbackHost(url->host) };
+}
+
+bool isRedirect(WebKitPolicyDecision* decision)
+{
+    return webkit_navigation_action_is_redirect(
+        webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision)));
 }
 
 NavigationAction actionOf(WebKitNavigationPolicyDecision* decision)
@@ -33,8 +35,7 @@ NavigationAction actionOf(WebKitNavigationPolicyDecision* decision)
     // The redirection of a link is told as a click once more.
     const bool isClick = webkit_navigation_action_get_navigation_type(action) == WEBKIT_NAVIGATION_TYPE_LINK_CLICKED
         && !webkit_navigation_action_is_redirect(action);
-    return { .url = uri ? parseUrl(uri) : std::nullopt,
-        .type = isClick ? NavigationType::linkActivated : NavigationType::other };
+    return { .url = urlOf(uri), .type = isClick ? NavigationType::linkActivated : NavigationType::other };
 }
 
 }
@@ -43,7 +44,6 @@ WebViewGtk::WebViewGtk(MainLoop& mainLoop, SystemLog& log, WebEngineOptions opti
     : m_mainLoop(mainLoop)
     , m_log(log)
     , m_options(std::move(options))
-    , m_calls(mainLoop)
 {
     prepareWebEngine();
     m_container.show();
@@ -53,7 +53,6 @@ WebViewGtk::~WebViewGtk() { detach(); }
 
 void WebViewGtk::start(const WebViewConfiguration& configuration)
 {
-    const OrderedCalls::Hold hold(m_calls);
     m_navigationDelegate = &configuration.navigationDelegate;
     m_uiDelegate = &configuration.uiDelegate;
     m_bridge.emplace(configuration);
@@ -64,6 +63,9 @@ void WebViewGtk::start(const WebViewConfiguration& configuration)
             m_log.log("[WebView] the extra certificate cannot be read: " + std::string(owned->message));
     }
     m_engine = newWebEngine(m_options, configuration);
+    m_navigations.emplace(m_mainLoop, configuration.navigationDelegate,
+        NavigationReporter::Engine {
+            .stop = [this] { webkit_web_view_stop_loading(m_engine.view.get()); }, .load = [this] { beginLoad(); } });
     connectSignals();
     auto* const view = GTK_WIDGET(m_engine.view.get());
     gtk_box_pack_start(m_container.gobj(), view, TRUE, TRUE, 0);
@@ -81,26 +83,25 @@ WebNavigation WebViewGtk::load(const std::string& url, double timeoutSeconds)
 
 WebNavigation WebViewGtk::reloadFromOrigin()
 {
-    if (!m_engine.view || !m_committedUrl)
+    if (!committedUrl())
         return nullptr;
-    return begin(reloadTimeoutSeconds, [this, url = m_committedUrl->text] {
-        auto* const view = m_engine.view.get();
-        if (!webkit_web_view_is_loading(view))
-            return webkit_web_view_reload_bypass_cache(view);
-        // The engine swallows a reload during a load that has not committed.
-        webkit_web_view_stop_loading(view);
-        loadPastCaches(url);
-    });
+    return begin(
+        NavigationReporter::reloadTimeoutSeconds, [this] { webkit_web_view_reload_bypass_cache(m_engine.view.get()); });
 }
 
 void WebViewGtk::evaluate(const std::string& script)
 {
     if (!m_engine.view)
         return;
-    const OrderedCalls::Hold hold(m_calls);
+    const OrderedCalls::Hold hold(m_navigations->calls());
     // The engine takes a text that is not UTF-8 for an empty one. It is not looked at here: it may have megabytes.
     webkit_web_view_evaluate_javascript(m_engine.view.get(), script.data(), static_cast<gssize>(script.size()), nullptr,
         nullptr, nullptr, nullptr, nullptr);
+}
+
+std::optional<Url> WebViewGtk::committedUrl() const
+{
+    return m_navigations ? m_navigations->tracker().document() : std::nullopt;
 }
 
 void WebViewGtk::setInspectable(Inspectable inspectable)
@@ -113,8 +114,8 @@ void WebViewGtk::setInspectable(Inspectable inspectable)
 void WebViewGtk::detach()
 {
     m_signals.disconnectAll();
-    m_calls.end();
-    m_idleTimeout = {};
+    if (m_navigations)
+        m_navigations->end();
 }
 
 void WebViewGtk::connectSignals()
@@ -133,10 +134,12 @@ void WebViewGtk::connectSignals()
             return TRUE; // Otherwise the engine loads a page of its own about it.
         }));
     connect("web-process-terminated", G_CALLBACK(+[](WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
-        static_cast<Self>(self)->processTerminated();
+        auto& navigations = *static_cast<Self>(self)->m_navigations;
+        navigations.tell(navigations.tracker().processEnded());
     }));
-    connect("notify::estimated-load-progress",
-        G_CALLBACK(+[](WebKitWebView*, GParamSpec*, gpointer self) { static_cast<Self>(self)->startIdleTimer(); }));
+    connect("notify::estimated-load-progress", G_CALLBACK(+[](WebKitWebView*, GParamSpec*, gpointer self) {
+        static_cast<Self>(self)->m_navigations->progressed();
+    }));
     connect("notify::uri", G_CALLBACK(+[](WebKitWebView*, GParamSpec*, gpointer data) {
         // The engine names the URL of a new load before it says that one has started, so this waits a turn.
         const auto self = static_cast<Self>(data);
@@ -146,7 +149,9 @@ void WebViewGtk::connectSignals()
         G_CALLBACK(+[](WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type, gpointer data) {
             const auto self = static_cast<Self>(data);
             const std::shared_ptr<WebKitPolicyDecision> kept(share(decision));
-            self->m_calls.call([self, kept, type] {
+            if (type == WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION && !isRedirect(decision))
+                self->m_navigations->tracker().asked();
+            self->m_navigations->calls().call([self, kept, type] {
                 if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE)
                     self->decideResponse(WEBKIT_RESPONSE_POLICY_DECISION(kept.get()));
                 else
@@ -157,19 +162,21 @@ void WebViewGtk::connectSignals()
     connect("permission-request", G_CALLBACK(+[](WebKitWebView*, WebKitPermissionRequest* request, gpointer data) {
         const auto self = static_cast<Self>(data);
         const std::shared_ptr<WebKitPermissionRequest> kept(share(request));
-        self->m_calls.call([self, kept] { decidePermission(*self->m_uiDelegate, kept.get(), self->pageFacts()); });
+        self->m_navigations->calls().call(
+            [self, kept] { decidePermission(*self->m_uiDelegate, kept.get(), self->pageFacts()); });
         return TRUE;
     }));
     connect("run-file-chooser", G_CALLBACK(+[](WebKitWebView*, WebKitFileChooserRequest* request, gpointer data) {
         const auto self = static_cast<Self>(data);
         const std::shared_ptr<WebKitFileChooserRequest> kept(share(request));
-        self->m_calls.call([self, kept] { chooseFiles(*self->m_uiDelegate, kept.get(), self->pageFacts()); });
+        self->m_navigations->calls().call(
+            [self, kept] { chooseFiles(*self->m_uiDelegate, kept.get(), self->pageFacts()); });
         return TRUE;
     }));
     connect("user-message-received", G_CALLBACK(+[](WebKitWebView*, WebKitUserMessage* message, gpointer data) {
         const auto self = static_cast<Self>(data);
         const std::shared_ptr<WebKitUserMessage> kept(share(message));
-        self->m_calls.call([self, kept] { self->m_bridge->messageArrived(kept.get()); });
+        self->m_navigations->calls().call([self, kept] { self->m_bridge->messageArrived(kept.get()); });
         return TRUE;
     }));
 }
@@ -184,119 +191,47 @@ void WebViewGtk::trustCertificate()
 
 WebNavigation WebViewGtk::begin(double timeoutSeconds, std::function<void()> load)
 {
-    const OrderedCalls::Hold hold(m_calls);
-    const auto superseded = m_tracker.requested();
-    const auto navigation = m_tracker.requestedNavigation();
-    m_idleTimeout = { .navigation = navigation, .seconds = timeoutSeconds, .timer = nullptr };
-    startIdleTimer();
-    m_waitingLoad = std::move(load);
-    tell(superseded);
-    return navigation;
+    m_load = std::move(load);
+    return m_navigations->requested(timeoutSeconds);
 }
 
-void WebViewGtk::handOverLoad()
+void WebViewGtk::beginLoad()
 {
-    if (!m_tracker.requestedNavigation())
-        m_waitingLoad = nullptr; // It was given up while it waited.
-    if (!m_waitingLoad || !m_tracker.mayHandOver())
-        return;
-    const OrderedCalls::Hold hold(m_calls);
-    m_tracker.handedOver();
     trustCertificate();
-    std::exchange(m_waitingLoad, nullptr)();
+    std::exchange(m_load, nullptr)();
     const char* const uri = webkit_web_view_get_uri(m_engine.view.get());
-    m_handedOverUrl = uri ? uri : "";
-}
-
-void WebViewGtk::loadPastCaches(const std::string& url)
-{
-    const GObjectPtr<WebKitURIRequest> request(webkit_uri_request_new(url.c_str()));
-    // RFC 9111, section 5.2.1.4.
-    soup_message_headers_replace(webkit_uri_request_get_http_headers(request.get()), "Cache-Control", "no-cache");
-    webkit_web_view_load_request(m_engine.view.get(), request.get());
-}
-
-void WebViewGtk::tell(NavigationTracker::Notices notices)
-{
-    if (!m_tracker.isUnderWay(m_idleTimeout.navigation))
-        m_idleTimeout = {};
-    for (auto& notice : notices)
-        m_calls.call([this, notice = std::move(notice)] { tellDelegate(notice); });
-    handOverLoad();
-}
-
-void WebViewGtk::tellDelegate(const NavigationNotice& notice)
-{
-    switch (notice.kind) {
-    case NavigationNotice::Kind::started:
-        return m_navigationDelegate->didStartProvisional(notice.navigation);
-    case NavigationNotice::Kind::committed:
-        return m_navigationDelegate->didCommit(notice.navigation);
-    case NavigationNotice::Kind::finished:
-        return m_navigationDelegate->didFinish(notice.navigation);
-    case NavigationNotice::Kind::failed:
-        return m_navigationDelegate->didFail(notice.navigation, notice.error);
-    case NavigationNotice::Kind::processEnded:
-        return m_navigationDelegate->contentProcessDidTerminate();
-    }
-}
-
-// Anew with every piece that arrives, of which the engine's estimate of the progress tells.
-void WebViewGtk::startIdleTimer()
-{
-    if (m_idleTimeout.navigation)
-        m_idleTimeout.timer = m_mainLoop.startTimer(m_idleTimeout.seconds, TimerRepeat::once, [this] { timedOut(); });
-}
-
-void WebViewGtk::timedOut()
-{
-    const auto navigation = m_idleTimeout.navigation;
-    const auto notices = m_tracker.givenUp(navigation, webError(UrlError::timedOut));
-    {
-        const OrderedCalls::Hold hold(m_calls);
-        webkit_web_view_stop_loading(m_engine.view.get());
-    }
-    tell(notices);
+    m_loadUrl = uri ? uri : "";
 }
 
 void WebViewGtk::loadChanged(WebKitLoadEvent event)
 {
+    auto& tracker = m_navigations->tracker();
     switch (event) {
     case WEBKIT_LOAD_STARTED:
-        return tell(m_tracker.started());
+        return m_navigations->tell(tracker.started());
     case WEBKIT_LOAD_REDIRECTED:
         return;
     case WEBKIT_LOAD_COMMITTED: {
-        const char* const uri = webkit_web_view_get_uri(m_engine.view.get());
-        m_committedUrl = uri ? parseUrl(uri) : std::nullopt;
-        return tell(m_tracker.committed());
+        // The view's own URL can be that of a load that was asked for meanwhile.
+        auto* const resource = webkit_web_view_get_main_resource(m_engine.view.get());
+        const auto url = resource ? urlOf(webkit_web_resource_get_uri(resource)) : std::nullopt;
+        return m_navigations->tell(tracker.committed(nullptr, url));
     }
     case WEBKIT_LOAD_FINISHED:
-        return tell(m_tracker.finished());
+        return m_navigations->tell(tracker.finished());
     }
 }
 
 void WebViewGtk::loadFailed(WebKitLoadEvent event, const char* url, const GError& error)
 {
     const auto stage = event == WEBKIT_LOAD_COMMITTED ? LoadStage::committed : LoadStage::provisional;
-    tell(m_tracker.failed(stage, webErrorOf(error, networkFacts(url ? url : ""))));
+    m_navigations->tell(
+        m_navigations->tracker().failed(nullptr, stage, webErrorOf(error, networkFacts(url ? url : ""))));
 }
 
-void WebViewGtk::processTerminated()
-{
-    m_committedUrl.reset();
-    tell(m_tracker.processEnded());
-}
-
-// What a page calls itself without leaving the document; that cannot change its origin (HTML, history.pushState).
 void WebViewGtk::urlChanged()
 {
-    if (!m_committedUrl || m_tracker.isLeavingDocument())
-        return;
-    const char* const uri = webkit_web_view_get_uri(m_engine.view.get());
-    const auto url = uri ? parseUrl(uri) : std::nullopt;
-    if (url && hasSameOrigin(*url, *m_committedUrl))
-        m_committedUrl = url;
+    m_navigations->tracker().viewUrlChanged(urlOf(webkit_web_view_get_uri(m_engine.view.get())));
 }
 
 void WebViewGtk::decideAction(WebKitNavigationPolicyDecision* decision)
@@ -305,8 +240,9 @@ void WebViewGtk::decideAction(WebKitNavigationPolicyDecision* decision)
     if (m_navigationDelegate->decideAction(action) == NavigationDecision::allow)
         return webkit_policy_decision_use(WEBKIT_POLICY_DECISION(decision));
     webkit_policy_decision_ignore(WEBKIT_POLICY_DECISION(decision));
-    if (m_tracker.awaitsStart() && action.url && action.url->text == m_handedOverUrl)
-        tell(m_tracker.refused({ "WebKitErrorDomain", frameLoadInterrupted }));
+    auto& tracker = m_navigations->tracker();
+    if (tracker.awaitsStart() && action.url && action.url->text == m_loadUrl)
+        m_navigations->tell(tracker.refused({ "WebKitErrorDomain", frameLoadInterrupted }));
 }
 
 void WebViewGtk::decideResponse(WebKitResponsePolicyDecision* decision)
@@ -316,7 +252,7 @@ void WebViewGtk::decideResponse(WebKitResponsePolicyDecision* decision)
         auto* const response = webkit_response_policy_decision_get_response(decision);
         const auto status = static_cast<int>(webkit_uri_response_get_status_code(response));
         if (m_navigationDelegate->decideResponse({ .httpStatus = status }) == NavigationDecision::cancel) {
-            m_tracker.failsFor(webError(UrlError::badServerResponse));
+            m_navigations->tracker().failsFor(webError(UrlError::badServerResponse));
             return webkit_policy_decision_ignore(policy);
         }
     }
@@ -329,9 +265,8 @@ void WebViewGtk::decideResponse(WebKitResponsePolicyDecision* decision)
 
 FrameFacts WebViewGtk::pageFacts() const
 {
-    if (!m_committedUrl)
-        return { .isMainFrame = true, .protocol = {}, .host = {} };
-    return { .isMainFrame = true, .protocol = m_committedUrl->scheme, .host = m_committedUrl->host };
+    const auto url = committedUrl();
+    return { .isMainFrame = true, .protocol = url ? url->scheme : "", .host = url ? url->host : "" };
 }
 
 }

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "base/LifeToken.h"
-#include "gtk/NavigationTracker.h"
-#include "gtk/OrderedCalls.h"
 #include "gtk/ScriptBridgeGtk.h"
 #include "gtk/SignalConnections.h"
 #include "gtk/WebEngineGtk.h"
 #include "platform/MainLoop.h"
 #include "platform/WebView.h"
+#include "web/NavigationReporter.h"
 
 #include <gtkmm.h>
 
@@ -28,7 +27,7 @@ public:
     [[nodiscard]] WebNavigation load(const std::string& url, double timeoutSeconds) override;
     [[nodiscard]] WebNavigation reloadFromOrigin() override;
     void evaluate(const std::string& script) override;
-    [[nodiscard]] std::optional<Url> committedUrl() const override { return m_committedUrl; }
+    [[nodiscard]] std::optional<Url> committedUrl() const override;
     void setInspectable(Inspectable inspectable) override;
     void detach() override;
 
@@ -36,25 +35,13 @@ public:
     [[nodiscard]] Gtk::Widget& widget() { return m_container; }
 
 private:
-    struct IdleTimeout {
-        WebNavigation navigation;
-        double seconds { 0 };
-        std::unique_ptr<Timer> timer;
-    };
-
     void connectSignals();
     void trustCertificate();
     [[nodiscard]] WebNavigation begin(double timeoutSeconds, std::function<void()> load);
-    void handOverLoad();
-    void loadPastCaches(const std::string& url);
-    void tell(NavigationTracker::Notices notices);
-    void tellDelegate(const NavigationNotice& notice);
-    void startIdleTimer();
-    void timedOut();
+    void beginLoad();
 
     void loadChanged(WebKitLoadEvent event);
     void loadFailed(WebKitLoadEvent event, const char* url, const GError& error);
-    void processTerminated();
     void urlChanged();
     void decideAction(WebKitNavigationPolicyDecision* decision);
     void decideResponse(WebKitResponsePolicyDecision* decision);
@@ -69,12 +56,9 @@ private:
     std::optional<ScriptBridgeGtk> m_bridge;
     WebNavigationDelegate* m_navigationDelegate { nullptr }; // From the start on.
     WebUiDelegate* m_uiDelegate { nullptr };
-    NavigationTracker m_tracker;
-    std::function<void()> m_waitingLoad; // Begins the load that was asked for and not yet handed over.
-    std::string m_handedOverUrl;
-    OrderedCalls m_calls;
-    IdleTimeout m_idleTimeout;
-    std::optional<Url> m_committedUrl;
+    std::optional<NavigationReporter> m_navigations; // From the start on.
+    std::function<void()> m_load; // Begins the load that was asked for last.
+    std::string m_loadUrl; // The URL of the load that was begun last.
     SignalConnections m_signals;
     LifeToken m_life;
 };

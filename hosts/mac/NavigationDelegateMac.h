@@ -13,12 +13,13 @@ NS_ASSUME_NONNULL_BEGIN
 
 // The delegate lives until `detach`, the main loop longer than this object.
 - (instancetype)initWithDelegate:(brevanta::WebNavigationDelegate&)delegate
-                        mainLoop:(brevanta::MainLoop&)mainLoop NS_DESIGNATED_INITIALIZER;
+                        mainLoop:(brevanta::MainLoop&)mainLoop
+                         webView:(WKWebView*)webView NS_DESIGNATED_INITIALIZER;
 - (instancetype)init NS_UNAVAILABLE;
 
 // Both are null when the web view begins nothing.
-- (brevanta::WebNavigation)load:(NSURLRequest*)request in:(WKWebView*)webView;
-- (brevanta::WebNavigation)reloadFromOriginIn:(WKWebView*)webView;
+- (brevanta::WebNavigation)load:(NSURLRequest*)request within:(double)timeoutSeconds;
+- (brevanta::WebNavigation)reloadFromOrigin;
 
 // As WebView::committedUrl.
 @property (nonatomic, readonly) std::optional<brevanta::Url> committedUrl;

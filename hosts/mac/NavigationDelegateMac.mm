@@ -2,21 +2,20 @@
 
 #include "mac/TextMac.h"
 #include "mac/UrlMac.h"
+#include "web/NavigationReporter.h"
+#include "web/UrlError.h"
 
-#include <algorithm>
-#include <deque>
-#include <utility>
-
+using brevanta::LoadStage;
 using brevanta::MainLoop;
 using brevanta::NavigationDecision;
+using brevanta::NavigationReporter;
+using brevanta::NavigationTracker;
+using brevanta::OrderedCalls;
 using brevanta::Url;
-using brevanta::WebError;
 using brevanta::WebNavigation;
 using brevanta::WebNavigationDelegate;
 
 namespace {
-
-constexpr std::int64_t badServerResponse = -1011; // Documentation page NSURLErrorBadServerResponse.
 
 // The object itself, so that no other one has its address while somebody holds it.
 WebNavigation navigationFrom(WKNavigation* _Nullable navigation)
@@ -37,104 +36,75 @@ int httpStatusOf(NSURLResponse* response)
 
 @interface BrevantaNavigationDelegate ()
 
-- (WebNavigation)begun:(nullable WKNavigation*)navigation in:(WKWebView*)webView;
-- (void)open:(const WebNavigation&)navigation;
-- (BOOL)isGone:(const WebNavigation&)navigation;
-- (void)hearOf:(const WebNavigation&)navigation;
-- (void)failed:(const WebNavigation&)navigation withError:(NSError*)error;
-- (void)tell:(std::function<void(WebNavigationDelegate&)>)event;
-- (void)tellOneLate;
+- (WebNavigation)begun:(nullable WKNavigation*)navigation within:(double)timeoutSeconds;
+- (void)failed:(WKNavigation*)navigation at:(LoadStage)stage withError:(NSError*)error;
 
 @end
 
 @implementation BrevantaNavigationDelegate {
     WebNavigationDelegate* _delegate;
-    MainLoop* _mainLoop;
-    std::vector<WebNavigation> _open; // Begun or started, and neither finished nor failed.
-    std::vector<WebNavigation> _gone; // Those that were open when the content process ended.
-    WebNavigation _provisional;
-    WebNavigation _refused; // Its response was refused.
-    WebNavigation _begun; // By the client, and not heard of since.
-    std::optional<Url> _urlWhenBegun;
-    BOOL _isBeginning;
-    std::deque<std::function<void(WebNavigationDelegate&)>> _late;
+    WKWebView* __weak _webView;
+    std::optional<NavigationReporter> _navigations;
 }
 
-- (instancetype)initWithDelegate:(WebNavigationDelegate&)delegate mainLoop:(MainLoop&)mainLoop
+- (instancetype)initWithDelegate:(WebNavigationDelegate&)delegate
+                        mainLoop:(MainLoop&)mainLoop
+                         webView:(WKWebView*)webView
 {
     if ((self = [super init])) {
         _delegate = &delegate;
-        _mainLoop = &mainLoop;
+        _webView = webView;
+        WKWebView* __weak weakWebView = webView;
+        _navigations.emplace(mainLoop, delegate,
+            NavigationReporter::Engine { .stop = [weakWebView] { [weakWebView stopLoading]; }, .load = [] {} });
+        [webView addObserver:self
+                  forKeyPath:NSStringFromSelector(@selector(estimatedProgress))
+                     options:NSKeyValueObservingOptionNew
+                     context:nullptr];
     }
     return self;
 }
 
 - (void)detach
 {
-    _delegate = nullptr;
-}
-
-- (WebNavigation)load:(NSURLRequest*)request in:(WKWebView*)webView
-{
-    _isBeginning = YES;
-    WKNavigation* const navigation = [webView loadRequest:request];
-    _isBeginning = NO;
-    return [self begun:navigation in:webView];
-}
-
-- (WebNavigation)reloadFromOriginIn:(WKWebView*)webView
-{
-    _isBeginning = YES;
-    WKNavigation* const navigation = [webView reloadFromOrigin];
-    _isBeginning = NO;
-    return [self begun:navigation in:webView];
-}
-
-- (WebNavigation)begun:(nullable WKNavigation*)navigation in:(WKWebView*)webView
-{
-    const WebNavigation begun = navigationFrom(navigation);
-    if (begun) {
-        [self open:begun];
-        _begun = begun;
-        _urlWhenBegun = brevanta::urlFrom(webView.URL);
-    }
-    return begun;
-}
-
-- (void)open:(const WebNavigation&)navigation
-{
-    if (navigation && std::ranges::find(_open, navigation) == _open.end())
-        _open.push_back(navigation);
-}
-
-- (BOOL)isGone:(const WebNavigation&)navigation
-{
-    return navigation && std::ranges::find(_gone, navigation) != _gone.end();
-}
-
-// What the web view says while it begins a navigation, such as that the one before has failed, is told afterwards; and
-// what comes next waits its turn behind it.
-- (void)tell:(std::function<void(WebNavigationDelegate&)>)event
-{
     if (!_delegate)
         return;
-    if (!_isBeginning && _late.empty()) {
-        event(*_delegate);
-        return;
-    }
-    _late.push_back(std::move(event));
-    BrevantaNavigationDelegate* __weak weakSelf = self;
-    _mainLoop->post([weakSelf] { [weakSelf tellOneLate]; });
+    _delegate = nullptr;
+    _navigations->end();
+    [_webView removeObserver:self forKeyPath:NSStringFromSelector(@selector(estimatedProgress))];
 }
 
-- (void)tellOneLate
+- (std::optional<Url>)committedUrl
 {
-    if (_late.empty())
-        return;
-    const auto event = std::move(_late.front());
-    _late.pop_front();
-    if (_delegate)
-        event(*_delegate);
+    return _navigations->tracker().document();
+}
+
+- (WebNavigation)load:(NSURLRequest*)request within:(double)timeoutSeconds
+{
+    const OrderedCalls::Hold hold(_navigations->calls());
+    return [self begun:[_webView loadRequest:request] within:timeoutSeconds];
+}
+
+- (WebNavigation)reloadFromOrigin
+{
+    const OrderedCalls::Hold hold(_navigations->calls());
+    return [self begun:[_webView reloadFromOrigin] within:NavigationReporter::reloadTimeoutSeconds];
+}
+
+- (WebNavigation)begun:(nullable WKNavigation*)navigation within:(double)timeoutSeconds
+{
+    if (!navigation)
+        return nullptr;
+    return _navigations->requested(timeoutSeconds, navigationFrom(navigation), brevanta::urlFrom(_webView.URL));
+}
+
+// Tells of every piece that arrives (documentation page WKWebView.estimatedProgress).
+- (void)observeValueForKeyPath:(nullable NSString*)keyPath
+                      ofObject:(nullable id)object
+                        change:(nullable NSDictionary<NSKeyValueChangeKey, id>*)change
+                       context:(nullable void*)context
+{
+    _navigations->progressed();
 }
 
 - (void)webView:(WKWebView*)webView
@@ -160,9 +130,11 @@ int httpStatusOf(NSURLResponse* response)
 {
     bool isAllowed = _delegate && navigationResponse.canShowMIMEType;
     if (_delegate && navigationResponse.forMainFrame) {
-        const int status = httpStatusOf(navigationResponse.response);
-        if (_delegate->decideResponse({ .httpStatus = status }) == NavigationDecision::cancel) {
-            _refused = _provisional;
+        NSURLResponse* const response = navigationResponse.response;
+        auto& tracker = _navigations->tracker();
+        tracker.responded(brevanta::urlFrom(response.URL));
+        if (_delegate->decideResponse({ .httpStatus = httpStatusOf(response) }) == NavigationDecision::cancel) {
+            tracker.failsFor(brevanta::webError(brevanta::UrlError::badServerResponse));
             isAllowed = false;
         }
     }
@@ -171,80 +143,40 @@ int httpStatusOf(NSURLResponse* response)
 
 - (void)webView:(WKWebView*)webView didStartProvisionalNavigation:(WKNavigation*)navigation
 {
-    const WebNavigation started = navigationFrom(navigation);
-    if ([self isGone:started])
-        return;
-    [self open:started];
-    _provisional = started;
-    [self hearOf:started];
-    [self tell:[started](WebNavigationDelegate& delegate) { delegate.didStartProvisional(started); }];
+    _navigations->tell(_navigations->tracker().started(navigationFrom(navigation)));
 }
 
-// The document's URL is learnt here and nowhere else: the view's becomes that of a load as soon as the load is asked
-// for (documentation page WKWebView.URL, "the active URL"), and a script meant for that page would run in the one
-// before. For the same reason it counts as unknown when the view's is still that of a further load that the client has
-// begun.
+// The view's URL becomes that of a load as soon as the load is asked for (documentation page WKWebView.URL, "the active
+// URL"), and a script meant for that page would run in the one before. So it is read here and nowhere else.
 - (void)webView:(WKWebView*)webView didCommitNavigation:(WKNavigation*)navigation
 {
-    const WebNavigation committed = navigationFrom(navigation);
-    if ([self isGone:committed])
-        return;
-    [self hearOf:committed];
-    const auto url = brevanta::urlFrom(webView.URL);
-    _committedUrl = _begun && url == _urlWhenBegun ? std::nullopt : url;
-    _provisional = nullptr;
-    [self tell:[committed](WebNavigationDelegate& delegate) { delegate.didCommit(committed); }];
+    _navigations->tell(_navigations->tracker().committed(navigationFrom(navigation), brevanta::urlFrom(webView.URL)));
 }
 
 - (void)webView:(WKWebView*)webView didFinishNavigation:(WKNavigation*)navigation
 {
-    const WebNavigation finished = navigationFrom(navigation);
-    if ([self isGone:finished])
-        return;
-    std::erase(_open, finished);
-    [self tell:[finished](WebNavigationDelegate& delegate) { delegate.didFinish(finished); }];
+    _navigations->tell(_navigations->tracker().finished(navigationFrom(navigation)));
 }
 
 - (void)webView:(WKWebView*)webView didFailProvisionalNavigation:(WKNavigation*)navigation withError:(NSError*)error
 {
-    [self failed:navigationFrom(navigation) withError:error];
+    [self failed:navigation at:LoadStage::provisional withError:error];
 }
 
 - (void)webView:(WKWebView*)webView didFailNavigation:(WKNavigation*)navigation withError:(NSError*)error
 {
-    [self failed:navigationFrom(navigation) withError:error];
+    [self failed:navigation at:LoadStage::committed withError:error];
 }
 
-- (void)failed:(const WebNavigation&)navigation withError:(NSError*)error
+- (void)failed:(WKNavigation*)navigation at:(LoadStage)stage withError:(NSError*)error
 {
-    if ([self isGone:navigation])
-        return;
-    WebError failure { .domain = brevanta::utf8FromString(error.domain), .code = error.code };
-    if (navigation && navigation == _refused)
-        failure = { .domain = brevanta::utf8FromString(NSURLErrorDomain), .code = badServerResponse };
-    [self hearOf:navigation];
-    std::erase(_open, navigation);
-    if (navigation == _provisional)
-        _provisional = nullptr;
-    if (navigation == _refused)
-        _refused = nullptr;
-    [self tell:[navigation, failure](WebNavigationDelegate& delegate) { delegate.didFail(navigation, failure); }];
-}
-
-- (void)hearOf:(const WebNavigation&)navigation
-{
-    if (navigation == _begun)
-        _begun = nullptr;
+    _navigations->tell(_navigations->tracker().failed(
+        navigationFrom(navigation), stage, { .domain = brevanta::utf8FromString(error.domain), .code = error.code }));
 }
 
 - (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView
 {
-    _gone = std::exchange(_open, {});
-    _provisional = nullptr;
-    _refused = nullptr;
-    _begun = nullptr;
-    _committedUrl.reset();
-    [self tell:[](WebNavigationDelegate& delegate) { delegate.contentProcessDidTerminate(); }];
+    _navigations->tell(_navigations->tracker().processEnded());
 }
 
 @end

@@ -21,11 +21,11 @@ void WebViewMac::start(const WebViewConfiguration& configuration)
     native.userContentController = createContentController(configuration);
     if (!configuration.applicationNameForUserAgent.empty())
         native.applicationNameForUserAgent = displayString(configuration.applicationNameForUserAgent);
-    m_navigationDelegate = [[BrevantaNavigationDelegate alloc] initWithDelegate:configuration.navigationDelegate
-                                                                       mainLoop:m_mainLoop];
-    m_uiDelegate = [[BrevantaUiDelegate alloc] initWithDelegate:configuration.uiDelegate];
-
     WKWebView* const webView = [[WKWebView alloc] initWithFrame:m_container.bounds configuration:native];
+    m_navigationDelegate = [[BrevantaNavigationDelegate alloc] initWithDelegate:configuration.navigationDelegate
+                                                                       mainLoop:m_mainLoop
+                                                                        webView:webView];
+    m_uiDelegate = [[BrevantaUiDelegate alloc] initWithDelegate:configuration.uiDelegate];
     webView.navigationDelegate = m_navigationDelegate;
     webView.UIDelegate = m_uiDelegate;
     webView.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
@@ -60,13 +60,12 @@ WKUserContentController* _Nonnull WebViewMac::createContentController(const WebV
 WebNavigation WebViewMac::load(const std::string& url, double timeoutSeconds)
 {
     NSURL* const address = absoluteUrlFromText(stringFromUtf8(url));
-    WKWebView* const webView = m_webView;
-    if (!address || !webView)
+    if (!address || !m_webView)
         return nullptr;
     NSURLRequest* const request = [NSURLRequest requestWithURL:address
                                                    cachePolicy:NSURLRequestUseProtocolCachePolicy
                                                timeoutInterval:timeoutSeconds];
-    return [m_navigationDelegate load:request in:webView];
+    return [m_navigationDelegate load:request within:timeoutSeconds];
 }
 
 // A page is in the list as soon as it has been committed, and still after its process has gone.
@@ -75,7 +74,7 @@ WebNavigation WebViewMac::reloadFromOrigin()
     WKWebView* const webView = m_webView;
     if (!webView || !webView.backForwardList.currentItem)
         return nullptr;
-    return [m_navigationDelegate reloadFromOriginIn:webView];
+    return [m_navigationDelegate reloadFromOrigin];
 }
 
 void WebViewMac::evaluate(const std::string& script)

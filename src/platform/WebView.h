@@ -156,7 +156,7 @@ public:
     virtual void evaluate(const std::string& script) = 0;
 
     // The URL of the document that is there now; never that of a load under way, so that what is sent on the strength
-    // of it does not reach the document before. Nothing when there is none.
+    // of it does not reach the document before. Nothing when there is none, or none that can be told for certain.
     [[nodiscard]] virtual std::optional<Url> committedUrl() const = 0;
 
     virtual void setInspectable(Inspectable inspectable) = 0;

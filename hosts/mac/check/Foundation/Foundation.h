@@ -122,6 +122,28 @@ extern NSErrorDomain const NSURLErrorDomain;
 @property (readonly, copy) NSString* localizedDescription;
 @end
 
+// Documentation: NSKeyValueChangeKey; macOS 10.0.
+typedef NSString* NSKeyValueChangeKey;
+
+// Documentation: NSKeyValueObservingOptions; macOS 10.0.
+typedef NS_OPTIONS(NSUInteger, NSKeyValueObservingOptions) { NSKeyValueObservingOptionNew = 0x01 };
+
+// Documentation: NSKeyValueObserving; macOS 10.0. The observer is called on the thread that changes the value.
+@interface NSObject (NSKeyValueObserving)
+- (void)observeValueForKeyPath:(nullable NSString*)keyPath
+                      ofObject:(nullable id)object
+                        change:(nullable NSDictionary<NSKeyValueChangeKey, id>*)change
+                       context:(nullable void*)context;
+- (void)addObserver:(NSObject*)observer
+         forKeyPath:(NSString*)keyPath
+            options:(NSKeyValueObservingOptions)options
+            context:(nullable void*)context;
+- (void)removeObserver:(NSObject*)observer forKeyPath:(NSString*)keyPath;
+@end
+
+// Documentation: NSStringFromSelector; macOS 10.0.
+extern "C" NSString* NSStringFromSelector(SEL aSelector);
+
 // Documentation: NSNotification; macOS 10.0.
 @interface NSNotification : NSObject
 @property (nullable, readonly, copy) NSDictionary* userInfo;
@@ -174,6 +196,7 @@ typedef NS_ENUM(NSUInteger, NSURLRequestCachePolicy) { NSURLRequestUseProtocolCa
 
 // Documentation: NSURLResponse; macOS 10.2.
 @interface NSURLResponse : NSObject
+@property (nullable, readonly, copy) NSURL* URL;
 @end
 
 // Documentation: NSHTTPURLResponse; macOS 10.2.

@@ -169,9 +169,11 @@ typedef NS_ENUM(NSInteger, WKPermissionDecision) { WKPermissionDecisionGrant = 1
 @property (nullable, nonatomic, weak) id<WKUIDelegate> UIDelegate;
 @property (nonatomic, readonly, strong) WKBackForwardList* backForwardList;
 @property (nullable, nonatomic, readonly, copy) NSURL* URL;
+@property (nonatomic, readonly) double estimatedProgress; // Key-value observing compliant.
 @property (nonatomic, getter=isInspectable) BOOL inspectable; // macOS 13.3
 - (nullable WKNavigation*)loadRequest:(NSURLRequest*)request;
 - (nullable WKNavigation*)reloadFromOrigin;
+- (void)stopLoading;
 - (void)evaluateJavaScript:(NSString*)javaScriptString
          completionHandler:(void (^_Nullable)(_Nullable id result, NSError* _Nullable error))completionHandler;
 @end

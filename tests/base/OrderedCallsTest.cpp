@@ -1,4 +1,4 @@
-#include "gtk/OrderedCalls.h"
+#include "base/OrderedCalls.h"
 
 #include "fakes/ManualExecutor.h"
 
