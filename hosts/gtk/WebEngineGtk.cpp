@@ -37,7 +37,10 @@ GObjectPtr<WebKitWebContext> newContext(const WebEngineOptions& options, const W
     webkit_cookie_manager_set_persistent_storage(webkit_website_data_manager_get_cookie_manager(data.get()),
         (options.data / "cookies.sqlite").c_str(), WEBKIT_COOKIE_PERSISTENT_STORAGE_SQLITE);
 
-    GObjectPtr<WebKitWebContext> context(webkit_web_context_new_with_website_data_manager(data.get()));
+    // A document of another site gets another web process, so that no script that is meant for the one that the client
+    // knows of ever runs in the one that has just replaced it.
+    GObjectPtr<WebKitWebContext> context(WEBKIT_WEB_CONTEXT(g_object_new(WEBKIT_TYPE_WEB_CONTEXT,
+        "website-data-manager", data.get(), "process-swap-on-cross-site-navigation-enabled", TRUE, nullptr)));
     webkit_web_context_set_web_extensions_directory(context.get(), options.extensions.c_str());
     webkit_web_context_set_web_extensions_initialization_user_data(context.get(), handlerList(configuration));
     g_signal_connect(context.get(), "download-started", G_CALLBACK(refuseDownload), nullptr);

@@ -55,6 +55,11 @@ TEST_F(WebViewGtkTest, AReloadIsANavigationOfItsOwnPastTheCaches)
     ASSERT_TRUE(await("finish 2"));
     EXPECT_EQ(diary.lines, (Lines { "start 1", "commit 1", "finish 1", "start 2", "commit 2", "finish 2" }));
     EXPECT_EQ(server.requests().back().cacheControl, "no-cache");
+
+    EXPECT_EQ(reload(), 3);
+    ASSERT_TRUE(await("commit 3"));
+    EXPECT_EQ(reload(), 4); // While the document still arrives.
+    EXPECT_TRUE(await("finish 4"));
 }
 
 TEST_F(WebViewGtkTest, AReloadWhileTheEngineLoadsTakesThePlaceOfThatLoad)
@@ -146,17 +151,6 @@ TEST_F(WebViewGtkTest, AFailedLoadLeavesTheDocumentAndItsUrl)
     EXPECT_EQ(result("document.title"), "\"One\"");
 }
 
-TEST_F(WebViewGtkTest, ASilentServerTimesOutOnceAndTheNextLoadWorks)
-{
-    loadAndFinish("/"); // The first load of all takes its time.
-    diary.lines.clear();
-    load(server.url("/silent"), 1);
-    ASSERT_TRUE(await(urlError(2, -1001)));
-    EXPECT_EQ(loadPage("/"), 3);
-    ASSERT_TRUE(await("finish 3"));
-    EXPECT_EQ(diary.lines, (Lines { "start 2", urlError(2, -1001), "start 3", "commit 3", "finish 3" }));
-}
-
 TEST_F(WebViewGtkTest, TheTimeoutBeginsAnewWithEveryPiece)
 {
     loadAndFinish("/");
@@ -171,17 +165,20 @@ TEST_F(WebViewGtkTest, TheTimeoutBeginsAnewWithEveryPiece)
     EXPECT_EQ(diary.lines.back(), "commit 2");
 }
 
-TEST_F(WebViewGtkTest, ADocumentThatStopsArrivingTimesOutAndAFinishedOneNever)
+TEST_F(WebViewGtkTest, WhatStopsArrivingTimesOutOnceAndAFinishedDocumentNever)
 {
-    loadAndFinish("/");
+    loadAndFinish("/"); // The first load of all takes its time.
     diary.lines.clear();
-    load(server.url("/endless"), 1);
+    load(server.url("/silent"), 1);
     ASSERT_TRUE(await(urlError(2, -1001)));
-    EXPECT_EQ(diary.lines, (Lines { "start 2", "commit 2", urlError(2, -1001) }));
+    load(server.url("/endless"), 1);
+    ASSERT_TRUE(await(urlError(3, -1001)));
     load(server.url("/"), 1);
-    ASSERT_TRUE(await("finish 3"));
+    ASSERT_TRUE(await("finish 4"));
     serveFor(1.5);
-    EXPECT_EQ(diary.lines.back(), "finish 3");
+    EXPECT_EQ(diary.lines,
+        (Lines { "start 2", urlError(2, -1001), "start 3", "commit 3", urlError(3, -1001), "start 4", "commit 4",
+            "finish 4" }));
 }
 
 TEST_F(WebViewGtkTest, AResponseThatIsCancelledFailsAsABadOneAndLeavesTheDocument)
@@ -266,6 +263,35 @@ TEST_F(WebViewGtkTest, TheUrlFollowsThePageWithinItsDocumentAndNeverALoadUnderWa
     EXPECT_EQ(committed(), before);
     ASSERT_TRUE(await("start 3"));
     EXPECT_EQ(committed(), before);
+}
+
+// The page goes to another site by itself, the client's thread is busy for a while, and then it asks for a reload.
+TEST_F(WebViewGtkTest, ANavigationThatOverlapsAReloadIsNeitherTakenForItsDocumentNorEndsIt)
+{
+    server.put("/other",
+        { .body = "<script>const tell = what => webkit.messageHandlers.note.postMessage(what);"
+                  "addEventListener('secret', () => tell('reached')); tell(location.hostname)</script>" });
+    const auto tellSecret = [&] {
+        if (committed().starts_with(server.url("/")))
+            view->evaluate("dispatchEvent(new Event('secret'))");
+    };
+    diary.onLine = [&](const std::string&) { tellSecret(); };
+    diary.onMessage = [&](const ScriptMessage& message) {
+        EXPECT_NE(message.body, "\"reached\"");
+        EXPECT_EQ(committed(), server.url("/other", "localhost"));
+    };
+    for (const bool isAnswered : { false, true }) {
+        const auto count = [&] { return isAnswered ? diary.statuses.size() : diary.actions.size(); };
+        for (const unsigned milliseconds : { 0u, 5u, 20u, 100u, 500u }) {
+            SCOPED_TRACE((isAnswered ? "answered, busy for " : "allowed, busy for ") + std::to_string(milliseconds));
+            loadAndFinish("/");
+            view->evaluate("location = '" + server.url("/other", "localhost") + "'");
+            ASSERT_TRUE(serveUntil([&, before = count()] { return count() > before; }));
+            g_usleep(milliseconds * 1000);
+            tellSecret();
+            ASSERT_TRUE(await("finish " + std::to_string(reload())));
+        }
+    }
 }
 
 TEST_F(WebViewGtkTest, OnlyAClickOnALinkIsALinkActivated)

@@ -58,6 +58,8 @@ void WebDiary::messageArrived(const ScriptMessage& message)
 {
     EXPECT_FALSE(isInsideOfMethod);
     messages.push_back(message);
+    if (onMessage)
+        onMessage(message);
 }
 
 std::optional<std::string> WebDiary::replyTo(const ScriptMessage& message)

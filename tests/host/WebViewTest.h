@@ -48,6 +48,7 @@ public:
     CaptureDecision captureDecision { CaptureDecision::deny };
     std::optional<std::string> reply;
     std::function<void(const std::string& line)> onLine;
+    std::function<void(const ScriptMessage& message)> onMessage;
     bool isInsideOfMethod { false };
 
 private:
