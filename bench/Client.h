@@ -48,6 +48,7 @@ public:
 class SilentLog final : public SystemLog {
 public:
     void log(std::string_view) override { }
+    void logToCategory(std::string_view, std::string_view) override { }
     void writeStandardError(std::string_view) override { }
 };
 

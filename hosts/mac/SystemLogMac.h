@@ -17,10 +17,11 @@ public:
     SystemLogMac(const std::string& subsystem, LogDestination destination);
 
     void log(std::string_view line) override;
+    void logToCategory(std::string_view category, std::string_view line) override;
     void writeStandardError(std::string_view line) override;
 
 private:
-    os_log_t m_log;
+    std::string m_subsystem;
     LogDestination m_destination;
     StandardErrorLog m_standardError;
 };

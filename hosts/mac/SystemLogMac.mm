@@ -5,14 +5,18 @@
 namespace brevanta {
 
 SystemLogMac::SystemLogMac(const std::string& subsystem, LogDestination destination)
-    : m_log(os_log_create(subsystem.c_str(), "client"))
+    : m_subsystem(subsystem)
     , m_destination(destination)
 {
 }
 
-void SystemLogMac::log(std::string_view line)
+void SystemLogMac::log(std::string_view line) { logToCategory("client", line); }
+
+void SystemLogMac::logToCategory(std::string_view category, std::string_view line)
 {
-    os_log(m_log, "%{public}s", singleLine(line).c_str());
+    // The same object each time for the same names (documentation page os_log_create).
+    const os_log_t categoryLog = os_log_create(m_subsystem.c_str(), std::string(category).c_str());
+    os_log(categoryLog, "%{public}s", singleLine(line).c_str());
     if (m_destination == LogDestination::systemLogAndStandardError)
         m_standardError.log(line);
 }

@@ -18,6 +18,7 @@ public:
     }
 
     void log(std::string_view line) override;
+    void logToCategory(std::string_view, std::string_view line) override { log(line); }
     void writeStandardError(std::string_view line) override;
 
 private:

@@ -14,6 +14,7 @@ public:
     SyslogLog& operator=(const SyslogLog&) = delete;
 
     void log(std::string_view line) override;
+    void logToCategory(std::string_view, std::string_view line) override { log(line); }
     void writeStandardError(std::string_view line) override;
 
 private:

@@ -11,6 +11,8 @@ namespace brevanta {
 
 namespace {
 
+constexpr auto logCategory = "WebInspector";
+
 WebInspectorPolicy::Stored readStored(const UserDefaults& defaults)
 {
     using Kind = WebInspectorPolicy::Stored::Kind;
@@ -39,14 +41,10 @@ void WebInspectorSwitch::evaluate()
     const auto decision = WebInspectorPolicy::decide(readStored(m_dependencies.defaults), now);
     if (decision.deleteKey) {
         m_dependencies.defaults.remove(key);
-        m_dependencies.log.log("[WebInspector] Web Inspector switch value rejected and removed");
+        m_dependencies.log.logToCategory(logCategory, "Web Inspector switch value rejected and removed");
     }
-    const auto state = decision.onUntil ? State::on : State::off;
-    m_dependencies.webView.setInspectable(state == State::on ? Inspectable::yes : Inspectable::no);
-    // It is looked at each time the application comes to the front; the log is told of changes.
-    if (m_applied != state)
-        m_dependencies.log.log(std::string("[WebInspector] Web Inspector ") + (state == State::on ? "on" : "off"));
-    m_applied = state;
+    m_dependencies.webView.setInspectable(decision.onUntil ? Inspectable::yes : Inspectable::no);
+    m_dependencies.log.logToCategory(logCategory, decision.onUntil ? "Web Inspector on" : "Web Inspector off");
     m_expiryTimer.reset();
     if (decision.onUntil)
         m_expiryTimer

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 
 namespace brevanta {
 
@@ -36,10 +35,7 @@ public:
     static constexpr auto key = "WebInspectorEnabledUntil";
 
 private:
-    enum class State { off, on };
-
     Dependencies m_dependencies;
-    std::optional<State> m_applied;
     std::unique_ptr<Timer> m_expiryTimer;
 };
 

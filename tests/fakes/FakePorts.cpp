@@ -17,6 +17,12 @@ void FakeSystemLog::log(std::string_view line)
     lines.emplace_back(line);
 }
 
+void FakeSystemLog::logToCategory(std::string_view category, std::string_view line)
+{
+    const std::lock_guard lock(m_mutex);
+    categorized.push_back(std::string(category) + ": " + std::string(line));
+}
+
 void FakeSystemLog::writeStandardError(std::string_view line)
 {
     EXPECT_TRUE(isWatchdogLine(line)) << line;

@@ -29,9 +29,11 @@ namespace brevanta {
 class FakeSystemLog final : public SystemLog, public Recorded {
 public:
     void log(std::string_view line) override;
+    void logToCategory(std::string_view category, std::string_view line) override;
     void writeStandardError(std::string_view line) override;
 
     std::vector<std::string> lines;
+    std::vector<std::string> categorized; // "category: line".
     std::vector<std::string> standardError;
 
 private:

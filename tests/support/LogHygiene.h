@@ -10,14 +10,14 @@
 namespace brevanta {
 
 // The components that write to the log.
-inline constexpr std::array<std::string_view, 24> logTags { "[AppLocation]", "[CrashReporting]", "[DaemonInstall]",
+inline constexpr std::array<std::string_view, 23> logTags { "[AppLocation]", "[CrashReporting]", "[DaemonInstall]",
     "[DaemonUpgrade]", "[DeviceSetup]", "[FileInput]", "[FilterManager]", "[KestreluneMac]", "[Launch]", "[LoginItem]",
     "[MainWindow]", "[MediaCapture]", "[MenuBar]", "[NativeMessaging]", "[NotificationHelper]", "[NotificationSounds]",
-    "[Removal]", "[ShellLoad]", "[URLScheme]", "[Updater]", "[UserDefaults]", "[WebInspector]", "[WebView]",
-    "[WebViewBridge]" };
+    "[Removal]", "[ShellLoad]", "[URLScheme]", "[Updater]", "[UserDefaults]", "[WebView]", "[WebViewBridge]" };
 
-// The watchdog's lines, which go to standard error without a tag.
+// The lines without a tag: the watchdog's, which go to standard error, and those that have a category instead.
 inline constexpr std::array<std::string_view, 2> watchdogLines { "auth_token_invalid", "daemon has no credential: " };
+inline constexpr std::array<std::string_view, 1> categoryLines { "Web Inspector " };
 
 // What the web engine's own processes write to the same stream when a page is left in the middle of a load.
 inline constexpr std::array<std::string_view, 2> engineLines { "ERROR: WebKit encountered an internal error.",
@@ -30,15 +30,12 @@ inline constexpr std::array<std::string_view, 2> engineLines { "ERROR: WebKit en
     });
 }
 
-[[nodiscard]] inline bool isWatchdogLine(std::string_view line)
+[[nodiscard]] inline bool beginsLikeOneOf(std::span<const std::string_view> beginnings, std::string_view line)
 {
-    return std::ranges::any_of(watchdogLines, [&](std::string_view beginning) { return line.starts_with(beginning); });
+    return std::ranges::any_of(beginnings, [&](std::string_view beginning) { return line.starts_with(beginning); });
 }
 
-[[nodiscard]] inline bool isEngineLine(std::string_view line)
-{
-    return std::ranges::any_of(engineLines, [&](std::string_view beginning) { return line.starts_with(beginning); });
-}
+[[nodiscard]] inline bool isWatchdogLine(std::string_view line) { return beginsLikeOneOf(watchdogLines, line); }
 
 // The lines of a log that may not stand there: those without a tag, and those that hold one of the secrets. A last line
 // without its line feed is still being written, and is only searched for secrets.
@@ -52,8 +49,9 @@ inline constexpr std::array<std::string_view, 2> engineLines { "ERROR: WebKit en
         const bool isWhole = end != std::string_view::npos;
         const bool holdsSecret = std::ranges::any_of(
             secrets, [&](std::string_view secret) { return line.find(secret) != std::string_view::npos; });
-        const bool isOurs = !isEngineLine(line);
-        if (holdsSecret || (isWhole && isOurs && !beginsWithItsTag(line) && !isWatchdogLine(line)))
+        const bool isExpected = beginsWithItsTag(line) || isWatchdogLine(line) || beginsLikeOneOf(categoryLines, line)
+            || beginsLikeOneOf(engineLines, line);
+        if (holdsSecret || (isWhole && !isExpected))
             faulty.emplace_back(line);
         log.remove_prefix(isWhole ? end + 1 : log.size());
     }
