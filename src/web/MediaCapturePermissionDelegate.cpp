@@ -28,7 +28,7 @@ MediaCapturePermissionDelegate::MediaCapturePermissionDelegate(
 
 CaptureDecision MediaCapturePermissionDelegate::decideCapture(CaptureType type, const FrameFacts& frame)
 {
-    if (type == CaptureType::microphone && isTrustedMainFrame(frame))
+    if (type == CaptureType::microphone && m_origins.isTrustedMainFrame(frame))
         return CaptureDecision::grant;
     m_log.log("[MediaCapture] Denied type " + std::to_string(static_cast<int>(type)) + " for " + describeSender(frame));
     return CaptureDecision::deny;
@@ -37,7 +37,7 @@ CaptureDecision MediaCapturePermissionDelegate::decideCapture(CaptureType type, 
 void MediaCapturePermissionDelegate::chooseFiles(
     const FileInputRequest& request, const FrameFacts& frame, std::function<void(std::vector<std::string>)> onEnd)
 {
-    if (!isTrustedMainFrame(frame)) {
+    if (!m_origins.isTrustedMainFrame(frame)) {
         m_log.log("[FileInput] Denied open panel for " + describeSender(frame));
         return onEnd({});
     }
@@ -48,11 +48,6 @@ void MediaCapturePermissionDelegate::chooseFiles(
                         .allowsMultiple = request.allowsMultiple,
                         .allowsDirectories = request.allowsDirectories },
         std::move(onEnd));
-}
-
-bool MediaCapturePermissionDelegate::isTrustedMainFrame(const FrameFacts& frame) const
-{
-    return frame.isMainFrame && m_origins.isBridgeTrusted(frame.protocol, frame.host);
 }
 
 }

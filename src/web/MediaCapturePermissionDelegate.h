@@ -22,8 +22,6 @@ public:
         std::function<void(std::vector<std::string>)> onEnd) override;
 
 private:
-    [[nodiscard]] bool isTrustedMainFrame(const FrameFacts& frame) const;
-
     const TrustedOrigins& m_origins;
     OpenPanel& m_panel;
     SystemLog& m_log;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Url.h"
+#include "platform/WebView.h"
 
 #include <string>
 #include <string_view>
@@ -18,6 +19,12 @@ public:
     // https, and one of the service's hosts; capitals and one trailing dot make no difference.
     [[nodiscard]] bool isBridgeTrusted(std::string_view scheme, std::string_view host) const;
     [[nodiscard]] bool isBridgeTrusted(const Url& url) const { return isBridgeTrusted(url.scheme, url.host); }
+
+    // The only frame that is heard, and that the user is asked for.
+    [[nodiscard]] bool isTrustedMainFrame(const FrameFacts& frame) const
+    {
+        return frame.isMainFrame && isBridgeTrusted(frame.protocol, frame.host);
+    }
 
     // Bridge-trusted, or https and one of the sign-in hosts.
     [[nodiscard]] bool isNavigationAllowed(const Url& url) const;

@@ -70,7 +70,7 @@ void WebViewBridge::messageArrived(const ScriptMessage& message)
     if (!read)
         return;
     const auto& [isMainFrame, protocol, host] = message.frame;
-    if (!isMainFrame || !m_origins.isBridgeTrusted(protocol, host))
+    if (!m_origins.isTrustedMainFrame(message.frame))
         return m_dependencies.log.log("[WebViewBridge] Ignoring '" + clipped(read->type)
             + "' message — untrusted source frame (mainFrame=" + (isMainFrame ? "true" : "false")
             + ", origin=" + protocol + "://" + host + ")");
