@@ -1,5 +1,6 @@
 #include "app/SetupLinks.h"
 
+#include "base/Text.h"
 #include "platform/Clock.h"
 #include "platform/SystemLog.h"
 #include "web/WebViewWindow.h"
@@ -15,7 +16,8 @@ SetupLinks::SetupLinks(Clock& clock, SystemLog& log)
 void SetupLinks::arrived(const Url& url)
 {
     if (!DeviceSetupNavigation::isDeviceSetupLink(url))
-        return m_log.log("[URLScheme] ignoring an unknown link (scheme=" + url.scheme + ", host=" + url.host + ")");
+        return m_log.log("[URLScheme] ignoring an unknown link (scheme=" + clipped(url.scheme, maxLoggedBytes)
+            + ", host=" + clipped(url.host, maxLoggedBytes) + ")");
     if (!m_linkThrottle.accepts(m_clock.uptimeSeconds()))
         return m_log.log("[URLScheme] open/device-setup throttled");
     if (!m_window) {

@@ -29,6 +29,16 @@ std::string lowerCased(std::string_view text)
     return lower;
 }
 
+std::string clipped(std::string_view text, std::size_t maxBytes)
+{
+    if (text.size() <= maxBytes)
+        return std::string(text);
+    auto end = maxBytes;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+        --end;
+    return std::string(text.substr(0, end)) + "…";
+}
+
 std::string commaSeparated(std::span<const std::string> names)
 {
     std::string text;

@@ -16,6 +16,12 @@ namespace brevanta {
 // The text with its ASCII capitals in lower case, whatever the process's locale; other letters stay as they are.
 [[nodiscard]] std::string lowerCased(std::string_view text);
 
+// The text, or its first `maxBytes` bytes and "…" when it is longer; never cut inside of a character.
+[[nodiscard]] std::string clipped(std::string_view text, std::size_t maxBytes);
+
+// Of a text from outside, in a line of the log: nobody is to flood it.
+inline constexpr std::size_t maxLoggedBytes = 200;
+
 // "gain, loss"; empty for no names.
 [[nodiscard]] std::string commaSeparated(std::span<const std::string> names);
 

@@ -61,8 +61,8 @@ void AccountMessages::tokenAnswered(
     const std::string& token, std::int64_t sequenceBefore, const std::expected<void, DaemonFailure>& answer)
 {
     if (!answer)
-        return m_log.log(
-            "[KestreluneMac] auth_token bridge: daemon rejected: " + without(token, describe(answer.error())));
+        return m_log.log("[KestreluneMac] auth_token bridge: daemon rejected: "
+            + clipped(without(token, describe(answer.error())), maxLoggedBytes));
     m_log.log("[KestreluneMac] auth_token bridge: daemon accepted token");
     if (!m_reminders.signedIn(sequenceBefore))
         m_log.log("[KestreluneMac] auth_token bridge: accept landed after a logout; habit reminders stay suppressed");

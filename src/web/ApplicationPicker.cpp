@@ -2,6 +2,7 @@
 
 #include "base/Base64.h"
 #include "base/JsonWriter.h"
+#include "base/Text.h"
 #include "platform/OpenPanel.h"
 #include "platform/SystemLog.h"
 #include "platform/Workspace.h"
@@ -44,7 +45,7 @@ void ApplicationPicker::pick(const BridgeMessage& message)
     const auto platform = message.body.find("platform");
     if (platform != message.body.end() && *platform != "macos")
         return m_dependencies.log.log("[WebViewBridge] Ignoring pick_app for non-macOS platform: "
-            + message.text("platform").value_or(json::scriptText(*platform)));
+            + clipped(message.text("platform").value_or(json::scriptText(*platform)), maxLoggedBytes));
     if (m_isOpen)
         return m_dependencies.log.log("[WebViewBridge] pick_app: a picker is already open");
     m_dependencies.bringWindowForward();

@@ -1,5 +1,6 @@
 #include "web/WebViewBridge.h"
 
+#include "base/Text.h"
 #include "install/RemovalShellController.h"
 #include "platform/MainLoop.h"
 #include "platform/SystemLog.h"
@@ -11,22 +12,6 @@
 #include <utility>
 
 namespace brevanta {
-
-namespace {
-
-constexpr std::size_t longestLoggedText = 200; // What a page writes must not be able to flood the log.
-
-std::string clipped(const std::string& text)
-{
-    if (text.size() <= longestLoggedText)
-        return text;
-    auto end = longestLoggedText;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
-        --end; // Not inside of a character.
-    return text.substr(0, end) + "…";
-}
-
-}
 
 WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies dependencies)
     : m_origins(origins)
@@ -71,7 +56,7 @@ void WebViewBridge::messageArrived(const ScriptMessage& message)
         return;
     const auto& [isMainFrame, protocol, host] = message.frame;
     if (!m_origins.isTrustedMainFrame(message.frame))
-        return m_dependencies.log.log("[WebViewBridge] Ignoring '" + clipped(read->type)
+        return m_dependencies.log.log("[WebViewBridge] Ignoring '" + clipped(read->type, maxLoggedBytes)
             + "' message — untrusted source frame (mainFrame=" + (isMainFrame ? "true" : "false")
             + ", origin=" + protocol + "://" + host + ")");
     m_table.dispatch(*read);
@@ -87,7 +72,7 @@ NavigationDecision WebViewBridge::decideAction(const NavigationAction& action)
         openOutside(*action.url);
     else
         m_dependencies.log.log(
-            "[WebViewBridge] Cancelled navigation to non-allowed origin: " + clipped(action.url->text));
+            "[WebViewBridge] Cancelled navigation to non-allowed origin: " + clipped(action.url->text, maxLoggedBytes));
     return NavigationDecision::cancel;
 }
 

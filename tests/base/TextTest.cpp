@@ -29,6 +29,13 @@ TEST(Text, ControlCharactersCannotBreakALine)
     EXPECT_EQ(singleLine("Grüße — 焦点"), "Grüße — 焦点");
 }
 
+TEST(Text, ATextIsNeverClippedInsideOfACharacter)
+{
+    EXPECT_EQ(clipped("焦点", 6), "焦点");
+    EXPECT_EQ(clipped("焦点", 5), "焦…");
+    EXPECT_EQ(clipped("焦点", 2), "…");
+}
+
 TEST(Text, CodePointsAreCountedRatherThanBytes)
 {
     EXPECT_EQ(codePointCount(""), 0u);
