@@ -13,6 +13,18 @@
 
 namespace brevanta {
 
+namespace {
+
+// What the desktop opens for a page. Any other scheme would start a program, or open a settings pane, for whoever
+// wrote the link.
+bool isForOutside(const Url& url)
+{
+    const auto scheme = lowerCased(url.scheme);
+    return scheme == "https" || scheme == "http" || scheme == "mailto";
+}
+
+}
+
 WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies dependencies)
     : m_origins(origins)
     , m_dependencies(std::move(dependencies))
@@ -68,7 +80,7 @@ NavigationDecision WebViewBridge::decideAction(const NavigationAction& action)
         return NavigationDecision::cancel;
     if (m_origins.isNavigationAllowed(*action.url))
         return NavigationDecision::allow;
-    if (action.type == NavigationType::linkActivated)
+    if (action.type == NavigationType::linkActivated && isForOutside(*action.url))
         openOutside(*action.url);
     else
         m_dependencies.log.log(

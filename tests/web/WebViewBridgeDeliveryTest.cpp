@@ -17,15 +17,26 @@ TEST_F(WebViewBridgeTest, OnlyTheServicesAndTheSignInPagesAreNavigatedTo)
     EXPECT_EQ(decide(std::nullopt, linkActivated), NavigationDecision::cancel);
     EXPECT_TRUE(log.lines.empty());
 
+    const std::string cancelled = "[WebViewBridge] Cancelled navigation to non-allowed origin: ";
     for (const auto& url :
         { urlOf("http", "www.example.com"), urlOf("https", "other.example"), urlOf("data", ""), urlOf("about", "") }) {
         EXPECT_EQ(decide(url, other), NavigationDecision::cancel);
-        EXPECT_EQ(log.lines.back(), "[WebViewBridge] Cancelled navigation to non-allowed origin: " + url.text);
+        EXPECT_EQ(log.lines.back(), cancelled + url.text);
+    }
+    // A script can click on a link as well, as often as it likes.
+    for (const char* scheme : { "x-apple.systempreferences", "file", "ftp", "data", "blob", "tel", "brevanta", "" }) {
+        for (int click = 0; click < 2; ++click) {
+            log.lines.clear();
+            EXPECT_EQ(decide(urlOf(scheme, "x"), linkActivated), NavigationDecision::cancel);
+            EXPECT_EQ(log.lines, std::vector<std::string> { cancelled + scheme + "://x/" });
+        }
     }
     EXPECT_TRUE(workspace.opened.empty());
     log.lines.clear();
-    EXPECT_EQ(decide(urlOf("https", "other.example", "/x"), linkActivated), NavigationDecision::cancel);
-    EXPECT_EQ(workspace.opened, std::vector<std::string> { "https://other.example/x" });
+    for (const char* scheme : { "https", "HTTP", "mailto" })
+        EXPECT_EQ(decide(urlOf(scheme, "other.example", "/x"), linkActivated), NavigationDecision::cancel);
+    EXPECT_EQ(workspace.opened,
+        (std::vector<std::string> { "https://other.example/x", "HTTP://other.example/x", "mailto://other.example/x" }));
     EXPECT_TRUE(log.lines.empty());
 }
 
