@@ -33,17 +33,9 @@ void BlockingStatusDelivery::push(const std::shared_ptr<const BlockingStatus>& s
         m_next = status;
     else if (!m_script || m_script->status != status)
         makeScript(status);
-    else if (!m_isTold)
-        deliver();
+    else
+        m_delivery.deliver(m_script->text);
 }
-
-void BlockingStatusDelivery::answer(const std::shared_ptr<const BlockingStatus>& status)
-{
-    m_isTold = false;
-    push(status);
-}
-
-void BlockingStatusDelivery::forgetDelivered() { m_isTold = false; }
 
 void BlockingStatusDelivery::makeScript(const std::shared_ptr<const BlockingStatus>& status)
 {
@@ -65,11 +57,9 @@ void BlockingStatusDelivery::scriptMade(std::shared_ptr<Script> script)
 {
     m_isMaking = false;
     m_script = std::move(script);
-    deliver();
+    m_delivery.deliver(m_script->text);
     if (const auto next = std::exchange(m_next, nullptr); next && next != m_script->status)
         makeScript(next);
 }
-
-void BlockingStatusDelivery::deliver() { m_isTold = m_delivery.deliver(m_script->text) == ScriptDelivery::handedOver; }
 
 }

@@ -24,21 +24,15 @@ public:
     BlockingStatusDelivery(const BlockingStatusDelivery&) = delete;
     BlockingStatusDelivery& operator=(const BlockingStatusDelivery&) = delete;
 
-    // Tells the page once: a status that is the very object that this document was told last is not told again.
+    // Tells the page, every time: it may have begun to listen since. For a status that is the very object that was told
+    // last the script is there already.
     void push(const std::shared_ptr<const BlockingStatus>& status);
-
-    // The page has asked: it is told in any case.
-    void answer(const std::shared_ptr<const BlockingStatus>& status);
-
-    // The document is another one, or may not have listened so far.
-    void forgetDelivered();
 
 private:
     struct Script;
 
     void makeScript(const std::shared_ptr<const BlockingStatus>& status);
     void scriptMade(std::shared_ptr<Script> script);
-    void deliver();
 
     Executor& m_queue;
     MainLoop& m_mainLoop;
@@ -46,7 +40,6 @@ private:
     std::shared_ptr<Script> m_script; // The last one made; null while it is with the queue.
     std::shared_ptr<const BlockingStatus> m_next; // What arrived while a script was being made.
     bool m_isMaking { false };
-    bool m_isTold { false }; // This document was told the script.
     LifeToken m_life;
 };
 

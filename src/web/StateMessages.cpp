@@ -102,7 +102,7 @@ void StateMessages::deliverBlockingStatus()
     m_dependencies.daemonClient.getStatus(std::nullopt, m_life.guard([this](const auto& status) {
         m_askingForStatus = false;
         if (status)
-            m_dependencies.blockingStatus.answer(*status);
+            m_dependencies.blockingStatus.push(*status);
         else
             m_dependencies.log.log("[WebViewBridge] get_blocking_status: " + describe(status.error()));
     }));

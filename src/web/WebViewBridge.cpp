@@ -109,7 +109,6 @@ void WebViewBridge::didStartProvisional(const WebNavigation& navigation)
 void WebViewBridge::didCommit(const WebNavigation& navigation)
 {
     m_stateMessages.forgetDelivered();
-    m_blockingStatus.forgetDelivered();
     m_tokenRequest.documentChanged();
     if (m_loadObserver)
         m_loadObserver->didCommit(navigation);
@@ -120,7 +119,6 @@ void WebViewBridge::didFinish(const WebNavigation& navigation)
 {
     if (m_loadObserver)
         m_loadObserver->didFinish(navigation);
-    m_blockingStatus.forgetDelivered(); // What came before the page was complete may have found nobody listening.
     m_tokenRequest.documentEnded();
     requestOnboardingState();
     if (m_isNavigationPending && m_isNavigationPending())
@@ -138,7 +136,6 @@ void WebViewBridge::didFail(const WebNavigation& navigation, const WebError& err
 void WebViewBridge::contentProcessDidTerminate()
 {
     m_stateMessages.forgetDelivered();
-    m_blockingStatus.forgetDelivered();
     m_tokenRequest.documentChanged();
     if (m_loadObserver)
         m_loadObserver->contentProcessDidTerminate();

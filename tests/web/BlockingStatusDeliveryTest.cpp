@@ -75,37 +75,19 @@ TEST_F(BlockingStatusDeliveryTest, OfWhatArrivesMeanwhileOnlyTheNewestIsToldAndA
     EXPECT_EQ(told(), "156");
 }
 
-TEST_F(BlockingStatusDeliveryTest, TheSameObjectIsToldAgainOnlyToAnotherDocumentOrWhenAskedAndNeverMadeAgain)
+TEST_F(BlockingStatusDeliveryTest, TheSameObjectIsToldEachTimeAndItsScriptNeverMadeAgain)
 {
     const auto kept = status(1);
     delivery->push(kept);
-    settle();
     delivery->push(kept);
-    EXPECT_EQ(told(), "1");
-    delivery->answer(kept);
-    EXPECT_EQ(told(), "11");
-    delivery->forgetDelivered();
+    settle();
+    EXPECT_EQ(told(), "1") << "one delivery for all that came while the script was being made";
     delivery->push(kept);
     delivery->push(kept);
     EXPECT_EQ(told(), "111");
     EXPECT_EQ(queue.pending(), 0U);
     delivery->push(status(1));
     EXPECT_EQ(queue.pending(), 1U) << "an equal one is another object";
-}
-
-TEST_F(BlockingStatusDeliveryTest, OneDeliveryAnswersAllWhoAskedWhileTheScriptWasBeingMade)
-{
-    const auto kept = status(1);
-    delivery->push(kept);
-    delivery->answer(kept);
-    delivery->answer(kept);
-    settle();
-    EXPECT_EQ(told(), "1");
-    const auto newer = status(2);
-    delivery->push(newer);
-    delivery->answer(kept); // Cannot come from the service, which never goes back; it must not get lost all the same.
-    settle();
-    EXPECT_EQ(told(), "121");
 }
 
 TEST_F(BlockingStatusDeliveryTest, TrustIsJudgedWhenTheScriptIsThereAndARefusedOneIsTriedAgain)

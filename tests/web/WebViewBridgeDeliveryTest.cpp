@@ -110,46 +110,6 @@ TEST_F(WebViewBridgeTest, ATokenRequestThatNoPageCouldHearIsMadeAgainOnce)
     EXPECT_EQ(told(), 4);
 }
 
-TEST_F(WebViewBridgeTest, TrustIsJudgedWhenTheAnswerArrives)
-{
-    openUsable();
-    auto& handler = webView.configuration->messageHandlers.at(0).handler;
-    handler.messageArrived({ R"({"type":"get_blocking_status"})", { true, "https", "www.example.com" } });
-    webView.committed = urlOf("https", "login.example.org");
-    settle();
-    EXPECT_TRUE(webView.scripts.empty());
-}
-
-TEST_F(WebViewBridgeTest, EachDocumentIsToldTheStatusOnceWhileItLoadsAndOnceAfterwards)
-{
-    openUsable();
-    const auto status = statusWith(Json::object());
-    const auto push = [&] {
-        window->pushBlockingStatus(status);
-        settle();
-    };
-    const auto told = [this] { return eventCount("kestrelune_blocking_status"); };
-    push();
-    push();
-    EXPECT_EQ(told(), 1) << "nothing has changed since";
-    post({ { "type", "get_blocking_status" } });
-    EXPECT_EQ(told(), 2) << "a page that asks is answered";
-    webView.scripts.clear();
-    webView.beginForeign();
-    webView.commit(urlOf("https", "www.example.com"));
-    push();
-    push();
-    EXPECT_EQ(told(), 1);
-    webView.finish();
-    push();
-    push();
-    EXPECT_EQ(told(), 2) << "its own scripts may not have listened before";
-    webView.terminateContentProcess();
-    webView.commit(urlOf("https", "www.example.com"));
-    push();
-    EXPECT_EQ(told(), 3);
-}
-
 TEST_F(WebViewBridgeTest, EachEndOfANavigationAsksForTheOnboardingState)
 {
     openUsable();
