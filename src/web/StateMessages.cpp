@@ -7,6 +7,7 @@
 #include "update/UpdaterPolicy.h"
 #include "web/BlockingStatusDelivery.h"
 #include "web/BridgeTable.h"
+#include "web/DocumentMemory.h"
 #include "web/PageDelivery.h"
 #include "web/PageScripts.h"
 
@@ -76,14 +77,8 @@ void StateMessages::deviceSetupChanged()
 {
     deliverDeviceSetupState(Repeat::skip);
     // Whether the filter may be removed is part of the removal's state; a page that never heard of that is not told.
-    if (!m_lastRemovalKey.empty())
+    if (!m_dependencies.document.lastRemovalKey.empty())
         deliverRemovalState(Repeat::skip);
-}
-
-void StateMessages::forgetDelivered()
-{
-    m_lastRemovalKey.clear();
-    m_lastDeviceSetupKey.clear();
 }
 
 void StateMessages::performUpdater(const BridgeMessage& message)
@@ -116,13 +111,14 @@ void StateMessages::deliverUpdaterState()
 
 void StateMessages::deliverDeviceSetupState(Repeat repeat)
 {
-    deliverUnlessKnown(PageScripts::deviceSetupState(m_dependencies.deviceSetup.state()), m_lastDeviceSetupKey, repeat);
+    deliverUnlessKnown(PageScripts::deviceSetupState(m_dependencies.deviceSetup.state()),
+        m_dependencies.document.lastDeviceSetupKey, repeat);
 }
 
 void StateMessages::deliverRemovalState(Repeat repeat)
 {
     const auto state = m_dependencies.removal.shell().state(m_dependencies.deviceSetup.isFilterRemovable());
-    deliverUnlessKnown(PageScripts::removalState(state), m_lastRemovalKey, repeat);
+    deliverUnlessKnown(PageScripts::removalState(state), m_dependencies.document.lastRemovalKey, repeat);
 }
 
 void StateMessages::deliverUnlessKnown(const std::string& script, std::string& lastKey, Repeat repeat)

@@ -15,6 +15,7 @@ class RemovalShellController;
 class SystemLog;
 class Updater;
 struct BridgeMessage;
+struct DocumentMemory;
 
 // What the page asks about the state of the client's parts, and has them do: blocking, device setup, removal, updater.
 // Main thread only.
@@ -27,6 +28,7 @@ public:
         Updater* updater; // Null when updates are not configured.
         PageDelivery& delivery;
         BlockingStatusDelivery& blockingStatus;
+        DocumentMemory& document;
         SystemLog& log;
         std::string version; // Of the application.
     };
@@ -38,12 +40,9 @@ public:
     void addSetupState(BridgeTable& table);
     void addRemoval(BridgeTable& table);
 
-    // Tells the page when it has not been told this very state before.
+    // Tells the page when the document has not been told this very state before.
     void removalChanged();
     void deviceSetupChanged();
-
-    // Another document knows nothing of what the one before was told.
-    void forgetDelivered();
 
 private:
     enum class Repeat { skip, deliver };
@@ -58,8 +57,6 @@ private:
     void cancelUninstall(const BridgeMessage& message);
 
     Dependencies m_dependencies;
-    std::string m_lastRemovalKey; // What the page was told last, as the next; empty when nothing.
-    std::string m_lastDeviceSetupKey;
     bool m_askingForStatus { false };
     LifeToken m_life;
 };

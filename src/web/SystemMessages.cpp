@@ -6,6 +6,7 @@
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 #include "web/BridgeTable.h"
+#include "web/DocumentMemory.h"
 #include "web/PageDelivery.h"
 #include "web/PageScripts.h"
 
@@ -71,11 +72,12 @@ void SystemMessages::applicationDidBecomeActive()
 void SystemMessages::tellAuthorization(NotificationAuthorization authorization, Repeat repeat)
 {
     // A page that has never asked does not care.
-    if (repeat == Repeat::skip && (!m_told || m_told == authorization))
+    auto& told = m_dependencies.document.lastAuthorization;
+    if (repeat == Repeat::skip && (!told || told == authorization))
         return;
     if (m_dependencies.delivery.deliver(PageScripts::notificationStatus(wordFor(authorization)))
         == ScriptDelivery::handedOver)
-        m_told = authorization;
+        told = authorization;
 }
 
 void SystemMessages::openFirst(std::vector<std::string> urls)

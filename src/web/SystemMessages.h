@@ -3,7 +3,6 @@
 #include "base/LifeToken.h"
 #include "platform/NotificationCenter.h"
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,7 @@ class SystemNotificationCenterClient;
 class UserDefaults;
 class Workspace;
 struct BridgeMessage;
+struct DocumentMemory;
 
 // What the page asks of the system around the client: the permission to notify, settings, the browser extension's
 // page, the language. Main thread only.
@@ -26,6 +26,7 @@ public:
         Workspace& workspace;
         UserDefaults& defaults;
         PageDelivery& delivery;
+        DocumentMemory& document;
         SystemLog& log;
         std::string bundleIdentifier;
         std::string extensionStoreUrl;
@@ -48,7 +49,6 @@ private:
     void setLocalePreference(const BridgeMessage& message);
 
     Dependencies m_dependencies;
-    std::optional<NotificationAuthorization> m_told;
     LifeToken m_life;
 };
 

@@ -1,24 +1,25 @@
 #include "web/TokenRequest.h"
 
+#include "web/DocumentMemory.h"
 #include "web/PageDelivery.h"
 #include "web/PageScripts.h"
 
 namespace brevanta {
 
-TokenRequest::TokenRequest(PageDelivery& delivery)
+TokenRequest::TokenRequest(PageDelivery& delivery, const DocumentMemory& document)
     : m_delivery(delivery)
+    , m_document(document)
 {
 }
 
 void TokenRequest::make()
 {
     const auto delivery = m_delivery.deliver(std::string(PageScripts::tokenRefresh));
-    m_isOpen = delivery == ScriptDelivery::refused || !m_isDocumentComplete;
+    m_isOpen = delivery == ScriptDelivery::refused || !m_document.isComplete;
 }
 
-void TokenRequest::documentEnded()
+void TokenRequest::documentCompleted()
 {
-    m_isDocumentComplete = true;
     if (m_isOpen)
         make();
 }

@@ -30,13 +30,14 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
     , m_dependencies(std::move(dependencies))
     , m_delivery(m_dependencies.webView, m_origins, m_dependencies.log)
     , m_blockingStatus(m_dependencies.pageScriptQueue, m_dependencies.mainLoop, m_delivery)
-    , m_tokenRequest(m_delivery)
+    , m_tokenRequest(m_delivery, m_document)
     , m_accountMessages(
           m_dependencies.daemonClient, m_dependencies.removal, m_dependencies.reminders, m_dependencies.log)
-    , m_stateMessages({ m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal,
-          m_dependencies.updater, m_delivery, m_blockingStatus, m_dependencies.log, m_dependencies.version })
+    , m_stateMessages(
+          { m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal, m_dependencies.updater,
+              m_delivery, m_blockingStatus, m_document, m_dependencies.log, m_dependencies.version })
     , m_systemMessages({ m_dependencies.notifications, m_dependencies.workspace, m_dependencies.defaults, m_delivery,
-          m_dependencies.log, m_dependencies.bundleIdentifier, m_dependencies.extensionStoreUrl })
+          m_document, m_dependencies.log, m_dependencies.bundleIdentifier, m_dependencies.extensionStoreUrl })
     , m_applicationPicker({ m_dependencies.openPanel, m_dependencies.workspace, m_delivery, m_dependencies.log,
           m_dependencies.bringWindowForward, m_dependencies.applicationsFolder })
 {
@@ -108,8 +109,7 @@ void WebViewBridge::didStartProvisional(const WebNavigation& navigation)
 
 void WebViewBridge::didCommit(const WebNavigation& navigation)
 {
-    m_stateMessages.forgetDelivered();
-    m_tokenRequest.documentChanged();
+    m_document = {};
     if (m_loadObserver)
         m_loadObserver->didCommit(navigation);
     m_dependencies.deviceSetup.pageChanged();
@@ -119,7 +119,8 @@ void WebViewBridge::didFinish(const WebNavigation& navigation)
 {
     if (m_loadObserver)
         m_loadObserver->didFinish(navigation);
-    m_tokenRequest.documentEnded();
+    m_document.isComplete = true;
+    m_tokenRequest.documentCompleted();
     requestOnboardingState();
     if (m_isNavigationPending && m_isNavigationPending())
         navigationIsPending();
@@ -129,14 +130,13 @@ void WebViewBridge::didFail(const WebNavigation& navigation, const WebError& err
 {
     if (m_loadObserver)
         m_loadObserver->didFail(navigation, error);
-    m_tokenRequest.documentEnded();
+    m_document.isComplete = true;
+    m_tokenRequest.documentCompleted();
     requestOnboardingState();
 }
 
 void WebViewBridge::contentProcessDidTerminate()
 {
-    m_stateMessages.forgetDelivered();
-    m_tokenRequest.documentChanged();
     if (m_loadObserver)
         m_loadObserver->contentProcessDidTerminate();
     m_dependencies.deviceSetup.pageChanged();

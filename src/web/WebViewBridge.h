@@ -6,6 +6,7 @@
 #include "web/ApplicationPicker.h"
 #include "web/BlockingStatusDelivery.h"
 #include "web/BridgeTable.h"
+#include "web/DocumentMemory.h"
 #include "web/PageDelivery.h"
 #include "web/StateMessages.h"
 #include "web/SystemMessages.h"
@@ -84,6 +85,7 @@ private:
 
     const TrustedOrigins& m_origins;
     Dependencies m_dependencies;
+    DocumentMemory m_document;
     PageDelivery m_delivery;
     BlockingStatusDelivery m_blockingStatus;
     TokenRequest m_tokenRequest;

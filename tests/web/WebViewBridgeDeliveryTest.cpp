@@ -110,6 +110,33 @@ TEST_F(WebViewBridgeTest, ATokenRequestThatNoPageCouldHearIsMadeAgainOnce)
     EXPECT_EQ(told(), 4);
 }
 
+TEST_F(WebViewBridgeTest, WhatADocumentWasToldIsForgottenWithIt)
+{
+    openUsable();
+    deviceSetup.onChange();
+    post({ { "type", "get_removal_state" } });
+    post({ { "type", "get_notification_status" } });
+    notifications.authorization = NotificationAuthorization::denied;
+    const auto change = [&] {
+        webView.scripts.clear();
+        deviceSetup.onChange();
+        removal.consume(statusWith(Json::object()));
+        window->applicationDidBecomeActive();
+        settle();
+        return std::vector { eventCount("kestrelune_device_setup_state"), eventCount("kestrelune_removal_state"),
+            eventCount("kestrelune_notification_status") };
+    };
+    const std::vector<std::ptrdiff_t> nothing { 0, 0, 0 };
+    EXPECT_EQ(change(), (std::vector<std::ptrdiff_t> { 0, 0, 1 }));
+    webView.finish();
+    EXPECT_EQ(change(), nothing) << "the same document";
+    webView.beginForeign();
+    webView.commit(urlOf("https", "www.example.com"));
+    notifications.authorization = NotificationAuthorization::authorized;
+    EXPECT_EQ(change(), (std::vector<std::ptrdiff_t> { 1, 0, 0 }))
+        << "the new one has asked neither for the removal nor for the permission";
+}
+
 TEST_F(WebViewBridgeTest, EachEndOfANavigationAsksForTheOnboardingState)
 {
     openUsable();
