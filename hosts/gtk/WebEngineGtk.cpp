@@ -51,6 +51,8 @@ GObjectPtr<WebKitSettings> newSettings(const std::string& applicationNameForUser
 {
     GObjectPtr<WebKitSettings> settings(webkit_settings_new());
     webkit_settings_set_enable_media_stream(settings.get(), TRUE);
+    // So that the view is told of every window that is wanted; it opens none.
+    webkit_settings_set_javascript_can_open_windows_automatically(settings.get(), TRUE);
     const auto slash = applicationNameForUserAgent.find('/');
     const auto name = applicationNameForUserAgent.substr(0, slash);
     const auto version = slash == std::string::npos ? std::string() : applicationNameForUserAgent.substr(slash + 1);

@@ -28,14 +28,26 @@ bool isRedirect(WebKitPolicyDecision* decision)
         webkit_navigation_policy_decision_get_navigation_action(WEBKIT_NAVIGATION_POLICY_DECISION(decision)));
 }
 
-NavigationAction actionOf(WebKitNavigationPolicyDecision* decision)
+NavigationAction factsOf(WebKitNavigationAction* action)
 {
-    auto* const action = webkit_navigation_policy_decision_get_navigation_action(decision);
     const char* const uri = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
     // The redirection of a link is told as a click once more.
     const bool isClick = webkit_navigation_action_get_navigation_type(action) == WEBKIT_NAVIGATION_TYPE_LINK_CLICKED
         && !webkit_navigation_action_is_redirect(action);
     return { .url = urlOf(uri), .type = isClick ? NavigationType::linkActivated : NavigationType::other };
+}
+
+// What cannot be shown, and what the server wants saved (RFC 6266, section 4.2), browsers download.
+bool isDownload(WebKitResponsePolicyDecision* decision)
+{
+    if (!webkit_response_policy_decision_is_mime_type_supported(decision))
+        return true;
+    auto* const headers = webkit_uri_response_get_http_headers(webkit_response_policy_decision_get_response(decision));
+    char* disposition = nullptr;
+    if (!headers || !soup_message_headers_get_content_disposition(headers, &disposition, nullptr))
+        return false;
+    const GLibPtr<char> owned(disposition);
+    return g_ascii_strcasecmp(disposition, "attachment") == 0;
 }
 
 }
@@ -55,6 +67,7 @@ void WebViewGtk::start(const WebViewConfiguration& configuration)
 {
     m_navigationDelegate = &configuration.navigationDelegate;
     m_uiDelegate = &configuration.uiDelegate;
+    m_browserDelegate = &configuration.browserDelegate;
     m_bridge.emplace(configuration);
     if (m_options.certificate) {
         GError* error = nullptr;
@@ -173,6 +186,27 @@ void WebViewGtk::connectSignals()
             [self, kept] { chooseFiles(*self->m_uiDelegate, kept.get(), self->pageFacts()); });
         return TRUE;
     }));
+    connect("script-dialog", G_CALLBACK(+[](WebKitWebView*, WebKitScriptDialog* dialog, gpointer data) {
+        // The engine uses the dialog once more after the signal, so it must not close before.
+        const auto self = static_cast<Self>(data);
+        self->m_mainLoop.post(self->m_life.guard([self, open = keepOpen(dialog)] {
+            self->m_navigations->calls().call([self, open] { self->dialogOpened(open); });
+        }));
+        return TRUE;
+    }));
+    connect("create", G_CALLBACK(+[](WebKitWebView*, WebKitNavigationAction* action, gpointer data) {
+        const auto self = static_cast<Self>(data);
+        self->m_navigations->calls().call(
+            [self, facts = factsOf(action)] { self->m_browserDelegate->newWindowRequested(facts); });
+        return static_cast<GtkWidget*>(nullptr);
+    }));
+    // Cancelled by its context already.
+    m_signals.connect(m_engine.context.get(), "download-started",
+        G_CALLBACK(+[](WebKitWebContext*, WebKitDownload*, gpointer data) {
+            const auto self = static_cast<Self>(data);
+            self->m_navigations->calls().call([self] { self->m_navigationDelegate->downloadRefused(); });
+        }),
+        this);
     connect("user-message-received", G_CALLBACK(+[](WebKitWebView*, WebKitUserMessage* message, gpointer data) {
         const auto self = static_cast<Self>(data);
         const std::shared_ptr<WebKitUserMessage> kept(share(message));
@@ -236,7 +270,7 @@ void WebViewGtk::urlChanged()
 
 void WebViewGtk::decideAction(WebKitNavigationPolicyDecision* decision)
 {
-    const auto action = actionOf(decision);
+    const auto action = factsOf(webkit_navigation_policy_decision_get_navigation_action(decision));
     if (m_navigationDelegate->decideAction(action) == NavigationDecision::allow)
         return webkit_policy_decision_use(WEBKIT_POLICY_DECISION(decision));
     webkit_policy_decision_ignore(WEBKIT_POLICY_DECISION(decision));
@@ -256,11 +290,16 @@ void WebViewGtk::decideResponse(WebKitResponsePolicyDecision* decision)
             return webkit_policy_decision_ignore(policy);
         }
     }
-    // What cannot be shown would be downloaded.
-    if (webkit_response_policy_decision_is_mime_type_supported(decision))
-        webkit_policy_decision_use(policy);
-    else
-        webkit_policy_decision_ignore(policy);
+    if (!isDownload(decision))
+        return webkit_policy_decision_use(policy);
+    webkit_policy_decision_ignore(policy);
+    m_navigationDelegate->downloadRefused();
+}
+
+void WebViewGtk::dialogOpened(const ScriptDialog& dialog)
+{
+    m_navigations->pause();
+    showDialog(*m_browserDelegate, dialog, pageFacts(), m_life.guard([this] { m_navigations->progressed(); }));
 }
 
 FrameFacts WebViewGtk::pageFacts() const

@@ -2,6 +2,7 @@
 
 #include "base/LifeToken.h"
 #include "gtk/ScriptBridgeGtk.h"
+#include "gtk/ScriptDialogGtk.h"
 #include "gtk/SignalConnections.h"
 #include "gtk/WebEngineGtk.h"
 #include "platform/MainLoop.h"
@@ -45,6 +46,7 @@ private:
     void urlChanged();
     void decideAction(WebKitNavigationPolicyDecision* decision);
     void decideResponse(WebKitResponsePolicyDecision* decision);
+    void dialogOpened(const ScriptDialog& dialog);
     [[nodiscard]] FrameFacts pageFacts() const;
 
     MainLoop& m_mainLoop;
@@ -56,6 +58,7 @@ private:
     std::optional<ScriptBridgeGtk> m_bridge;
     WebNavigationDelegate* m_navigationDelegate { nullptr }; // From the start on.
     WebUiDelegate* m_uiDelegate { nullptr };
+    WebBrowserDelegate* m_browserDelegate { nullptr };
     std::optional<NavigationReporter> m_navigations; // From the start on.
     std::function<void()> m_load; // Begins the load that was asked for last.
     std::string m_loadUrl; // The URL of the load that was begun last.

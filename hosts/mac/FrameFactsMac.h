@@ -10,4 +10,7 @@ namespace brevanta {
 FrameFacts frameFacts(WKFrameInfo* _Nonnull frame);
 FrameFacts frameFacts(WKFrameInfo* _Nonnull frame, WKSecurityOrigin* _Nonnull origin);
 
+// Documentation page WKNavigationAction.
+NavigationAction navigationAction(WKNavigationAction* _Nonnull action);
+
 }

@@ -1,6 +1,7 @@
 #include "mac/FrameFactsMac.h"
 
 #include "mac/TextMac.h"
+#include "mac/UrlMac.h"
 
 namespace brevanta {
 
@@ -12,6 +13,15 @@ FrameFacts frameFacts(WKFrameInfo* _Nonnull frame, WKSecurityOrigin* _Nonnull or
         .isMainFrame = static_cast<bool>(frame.mainFrame),
         .protocol = utf8FromString(origin.protocol),
         .host = utf8FromString(origin.host),
+    };
+}
+
+NavigationAction navigationAction(WKNavigationAction* _Nonnull action)
+{
+    const bool isLink = action.navigationType == WKNavigationTypeLinkActivated;
+    return {
+        .url = urlFrom(action.request.URL),
+        .type = isLink ? NavigationType::linkActivated : NavigationType::other,
     };
 }
 

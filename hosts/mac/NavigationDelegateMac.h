@@ -21,6 +21,10 @@ NS_ASSUME_NONNULL_BEGIN
 - (brevanta::WebNavigation)load:(NSURLRequest*)request within:(double)timeoutSeconds;
 - (brevanta::WebNavigation)reloadFromOrigin;
 
+// Nothing can arrive from the one call to the other: the page waits for the user.
+- (void)pageWaits;
+- (void)pageGoesOn;
+
 // As WebView::committedUrl.
 @property (nonatomic, readonly) std::optional<brevanta::Url> committedUrl;
 

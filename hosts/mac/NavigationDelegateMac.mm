@@ -1,5 +1,7 @@
 #include "mac/NavigationDelegateMac.h"
 
+#include "base/Text.h"
+#include "mac/FrameFactsMac.h"
 #include "mac/TextMac.h"
 #include "mac/UrlMac.h"
 #include "web/NavigationReporter.h"
@@ -23,6 +25,16 @@ WebNavigation navigationFrom(WKNavigation* _Nullable navigation)
     if (!navigation)
         return nullptr;
     return { CFBridgingRetain(navigation), [](CFTypeRef object) { CFRelease(object); } };
+}
+
+// What the server wants saved, browsers download: RFC 6266, section 4.2.
+bool isAttachment(NSURLResponse* response)
+{
+    if (![response isKindOfClass:NSHTTPURLResponse.class])
+        return false;
+    NSString* const disposition =
+        [static_cast<NSHTTPURLResponse*>(response) valueForHTTPHeaderField:@"Content-Disposition"];
+    return brevanta::lowerCased(brevanta::utf8FromString(disposition ? disposition : @"")).starts_with("attachment");
 }
 
 int httpStatusOf(NSURLResponse* response)
@@ -98,6 +110,17 @@ int httpStatusOf(NSURLResponse* response)
     return _navigations->requested(timeoutSeconds, navigationFrom(navigation), brevanta::urlFrom(_webView.URL));
 }
 
+- (void)pageWaits
+{
+    _navigations->pause();
+}
+
+- (void)pageGoesOn
+{
+    if (_delegate)
+        _navigations->progressed();
+}
+
 // Tells of every piece that arrives (documentation page WKWebView.estimatedProgress).
 - (void)observeValueForKeyPath:(nullable NSString*)keyPath
                       ofObject:(nullable id)object
@@ -112,23 +135,24 @@ int httpStatusOf(NSURLResponse* response)
                     decisionHandler:(void (^)(WKNavigationActionPolicy policy))decisionHandler
 {
     auto decision = NavigationDecision::cancel;
-    if (_delegate) {
-        const bool isLink = navigationAction.navigationType == WKNavigationTypeLinkActivated;
-        decision = _delegate->decideAction({
-            .url = brevanta::urlFrom(navigationAction.request.URL),
-            .type = isLink ? brevanta::NavigationType::linkActivated : brevanta::NavigationType::other,
-        });
+    if (_delegate)
+        decision = _delegate->decideAction(brevanta::navigationAction(navigationAction));
+    if (decision == NavigationDecision::allow && navigationAction.shouldPerformDownload) {
+        decision = NavigationDecision::cancel;
+        _delegate->downloadRefused();
     }
     decisionHandler(
         decision == NavigationDecision::allow ? WKNavigationActionPolicyAllow : WKNavigationActionPolicyCancel);
 }
 
-// What the engine cannot show would become a download, for which there is no place; it then fails by itself.
+// What would become a download, for which there is no place, fails by itself.
 - (void)webView:(WKWebView*)webView
     decidePolicyForNavigationResponse:(WKNavigationResponse*)navigationResponse
                       decisionHandler:(void (^)(WKNavigationResponsePolicy policy))decisionHandler
 {
-    bool isAllowed = _delegate && navigationResponse.canShowMIMEType;
+    bool isAllowed = _delegate && navigationResponse.canShowMIMEType && !isAttachment(navigationResponse.response);
+    if (_delegate && !isAllowed)
+        _delegate->downloadRefused();
     if (_delegate && navigationResponse.forMainFrame) {
         NSURLResponse* const response = navigationResponse.response;
         auto& tracker = _navigations->tracker();

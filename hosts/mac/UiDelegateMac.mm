@@ -7,42 +7,45 @@
 
 using brevanta::CaptureDecision;
 using brevanta::CaptureType;
+using brevanta::DialogAnswer;
+using brevanta::PageDialogKind;
+using brevanta::WebBrowserDelegate;
 using brevanta::WebUiDelegate;
 
 namespace {
 
-using FileCompletion = void (^)(NSArray<NSURL*>* _Nullable urls);
-
 // WebKit raises an exception when a completion handler goes without having been called, and when it is called twice.
-class FileAnswer {
+// The answer of a handler that would go without one is Value's empty one.
+template <typename Value> class Answer {
 public:
-    explicit FileAnswer(FileCompletion completion)
-        : m_completion(completion)
+    explicit Answer(std::function<void(const Value&)> completion)
+        : m_completion(std::move(completion))
     {
     }
-    ~FileAnswer() { give({}); }
+    ~Answer() { give({}); }
 
-    FileAnswer(const FileAnswer&) = delete;
-    FileAnswer& operator=(const FileAnswer&) = delete;
+    Answer(const Answer&) = delete;
+    Answer& operator=(const Answer&) = delete;
 
-    void give(const std::vector<std::string>& paths)
+    void give(const Value& value)
     {
-        const FileCompletion completion = std::exchange(m_completion, nil);
-        if (completion)
-            completion(paths.empty() ? nil : urlsFrom(paths));
+        if (const auto completion = std::exchange(m_completion, nullptr))
+            completion(value);
     }
 
 private:
-    static NSArray<NSURL*>* urlsFrom(const std::vector<std::string>& paths)
-    {
-        NSMutableArray<NSURL*>* const urls = [NSMutableArray array];
-        for (const std::string& path : paths)
-            [urls addObject:[NSURL fileURLWithPath:brevanta::displayString(path)]];
-        return urls;
-    }
-
-    FileCompletion _Nullable m_completion;
+    std::function<void(const Value&)> m_completion;
 };
+
+NSArray<NSURL*>* _Nullable urlsFrom(const std::vector<std::string>& paths)
+{
+    if (paths.empty())
+        return nil;
+    NSMutableArray<NSURL*>* const urls = [NSMutableArray array];
+    for (const std::string& path : paths)
+        [urls addObject:[NSURL fileURLWithPath:brevanta::displayString(path)]];
+    return urls;
+}
 
 std::optional<CaptureType> captureTypeFrom(WKMediaCaptureType type)
 {
@@ -59,20 +62,37 @@ std::optional<CaptureType> captureTypeFrom(WKMediaCaptureType type)
 
 }
 
+@interface BrevantaUiDelegate ()
+
+- (void)show:(PageDialogKind)kind
+        text:(NSString*)text
+    forFrame:(WKFrameInfo*)frame
+       onEnd:(std::function<void(const DialogAnswer&)>)onEnd;
+
+@end
+
 @implementation BrevantaUiDelegate {
     WebUiDelegate* _delegate;
+    WebBrowserDelegate* _browserDelegate;
+    BrevantaNavigationDelegate* _navigationDelegate;
 }
 
 - (instancetype)initWithDelegate:(WebUiDelegate&)delegate
+                 browserDelegate:(WebBrowserDelegate&)browserDelegate
+              navigationDelegate:(BrevantaNavigationDelegate*)navigationDelegate
 {
-    if ((self = [super init]))
+    if ((self = [super init])) {
         _delegate = &delegate;
+        _browserDelegate = &browserDelegate;
+        _navigationDelegate = navigationDelegate;
+    }
     return self;
 }
 
 - (void)detach
 {
     _delegate = nullptr;
+    _browserDelegate = nullptr;
 }
 
 - (void)webView:(WKWebView*)webView
@@ -93,7 +113,8 @@ std::optional<CaptureType> captureTypeFrom(WKMediaCaptureType type)
               initiatedByFrame:(WKFrameInfo*)frame
              completionHandler:(void (^)(NSArray<NSURL*>* _Nullable urls))completionHandler
 {
-    const auto answer = std::make_shared<FileAnswer>(completionHandler);
+    const auto answer = std::make_shared<Answer<std::vector<std::string>>>(
+        [completionHandler](const std::vector<std::string>& paths) { completionHandler(urlsFrom(paths)); });
     if (!_delegate)
         return;
     const brevanta::FileInputRequest request {
@@ -102,6 +123,67 @@ std::optional<CaptureType> captureTypeFrom(WKMediaCaptureType type)
     };
     _delegate->chooseFiles(
         request, brevanta::frameFacts(frame), [answer](const std::vector<std::string>& paths) { answer->give(paths); });
+}
+
+- (void)show:(PageDialogKind)kind
+        text:(NSString*)text
+    forFrame:(WKFrameInfo*)frame
+       onEnd:(std::function<void(const DialogAnswer&)>)onEnd
+{
+    BrevantaNavigationDelegate* const navigations = _navigationDelegate;
+    [navigations pageWaits];
+    const auto answer = std::make_shared<Answer<DialogAnswer>>([navigations, onEnd](const DialogAnswer& given) {
+        [navigations pageGoesOn];
+        onEnd(given);
+    });
+    if (_browserDelegate)
+        _browserDelegate->showDialog({ .kind = kind, .text = brevanta::utf8FromString(text) },
+            brevanta::frameFacts(frame), [answer](DialogAnswer given) { answer->give(given); });
+}
+
+- (void)webView:(WKWebView*)webView
+    runJavaScriptAlertPanelWithMessage:(NSString*)message
+                      initiatedByFrame:(WKFrameInfo*)frame
+                     completionHandler:(void (^)(void))completionHandler
+{
+    [self show:PageDialogKind::alert
+            text:message
+        forFrame:frame
+           onEnd:[completionHandler](DialogAnswer) { completionHandler(); }];
+}
+
+- (void)webView:(WKWebView*)webView
+    runJavaScriptConfirmPanelWithMessage:(NSString*)message
+                        initiatedByFrame:(WKFrameInfo*)frame
+                       completionHandler:(void (^)(BOOL result))completionHandler
+{
+    [self show:PageDialogKind::confirm
+            text:message
+        forFrame:frame
+           onEnd:[completionHandler](
+                     DialogAnswer answer) { completionHandler(answer == DialogAnswer::accepted ? YES : NO); }];
+}
+
+- (void)webView:(WKWebView*)webView
+    runJavaScriptTextInputPanelWithPrompt:(NSString*)prompt
+                              defaultText:(nullable NSString*)defaultText
+                         initiatedByFrame:(WKFrameInfo*)frame
+                        completionHandler:(void (^)(NSString* _Nullable result))completionHandler
+{
+    [self show:PageDialogKind::prompt
+            text:prompt
+        forFrame:frame
+           onEnd:[completionHandler](DialogAnswer) { completionHandler(nil); }];
+}
+
+- (nullable WKWebView*)webView:(WKWebView*)webView
+    createWebViewWithConfiguration:(WKWebViewConfiguration*)configuration
+               forNavigationAction:(WKNavigationAction*)navigationAction
+                    windowFeatures:(WKWindowFeatures*)windowFeatures
+{
+    if (_browserDelegate)
+        _browserDelegate->newWindowRequested(brevanta::navigationAction(navigationAction));
+    return nil;
 }
 
 @end

@@ -25,7 +25,9 @@ void WebViewMac::start(const WebViewConfiguration& configuration)
     m_navigationDelegate = [[BrevantaNavigationDelegate alloc] initWithDelegate:configuration.navigationDelegate
                                                                        mainLoop:m_mainLoop
                                                                         webView:webView];
-    m_uiDelegate = [[BrevantaUiDelegate alloc] initWithDelegate:configuration.uiDelegate];
+    m_uiDelegate = [[BrevantaUiDelegate alloc] initWithDelegate:configuration.uiDelegate
+                                                browserDelegate:configuration.browserDelegate
+                                             navigationDelegate:m_navigationDelegate];
     webView.navigationDelegate = m_navigationDelegate;
     webView.UIDelegate = m_uiDelegate;
     webView.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;

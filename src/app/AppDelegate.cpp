@@ -218,6 +218,7 @@ void AppDelegate::createWindow()
         .webView = m_ports.webView,
         .placeholder = m_ports.placeholder,
         .openPanel = m_ports.openPanel,
+        .alerts = *m_alerts,
         .workspace = m_ports.workspace,
         .notifications = m_notices->client(),
         .reminders = m_notices->reminders(),

@@ -68,6 +68,9 @@ public:
 
     // The process that holds the page is gone, and the page with it; nothing more is told of any navigation of before.
     virtual void contentProcessDidTerminate() = 0;
+
+    // The page wanted to download something; nothing comes of it.
+    virtual void downloadRefused() = 0;
 };
 
 // What a script of the page posted. The body is JSON (RFC 8259); values that JSON has no form for are never delivered.
@@ -115,6 +118,31 @@ public:
         = 0;
 };
 
+// The simple dialogs that a page's scripts may show (HTML, Window.alert and its like).
+enum class PageDialogKind { alert, confirm, prompt };
+enum class DialogAnswer { dismissed, accepted };
+
+struct PageDialog {
+    PageDialogKind kind { PageDialogKind::alert };
+    std::string text;
+};
+
+// Does for the page what browsers do around pages. Main thread. Nothing of this is called from inside a method of
+// WebView.
+class WebBrowserDelegate {
+public:
+    virtual ~WebBrowserDelegate() = default;
+
+    // Calls `onEnd` exactly once, maybe before it returns; a prompt that is accepted comes to nothing all the same. The
+    // page's scripts stand still until then, and no load begins.
+    virtual void showDialog(const PageDialog& dialog, const FrameFacts& frame, std::function<void(DialogAnswer)> onEnd)
+        = 0;
+
+    // The page asks for a window of its own, which the host does not open: a link or a form, after its action has been
+    // allowed, or a script.
+    virtual void newWindowRequested(const NavigationAction& action) = 0;
+};
+
 // The handlers and delegates live until `detach`.
 struct WebViewConfiguration {
     struct MessageHandler {
@@ -132,6 +160,7 @@ struct WebViewConfiguration {
     std::string documentStartScript; // Run before the page's own scripts, in the main frame only.
     WebNavigationDelegate& navigationDelegate;
     WebUiDelegate& uiDelegate;
+    WebBrowserDelegate& browserDelegate;
 };
 
 enum class Inspectable { no, yes };

@@ -33,8 +33,10 @@ public:
     // As NavigationTracker::requested. The load fails as timed out when nothing has come for so long before its end.
     [[nodiscard]] WebNavigation requested(
         double timeoutSeconds, const WebNavigation& name = nullptr, const std::optional<Url>& viewUrl = {});
-    // Something has come.
+    // Something has come, or can come again.
     void progressed();
+    // Nothing can come until `progressed`: the page waits for the user.
+    void pause() { m_timer.reset(); }
 
     // The calls to the delegate, held back while a method of the web view runs.
     [[nodiscard]] OrderedCalls& calls() { return m_calls; }

@@ -53,6 +53,7 @@ struct ShellLoadCoordinator::Execution {
     }
     void operator()(const ShellLoadCommand::ReloadFromOrigin& command) const
     {
+        coordinator.m_dependencies.willLoad();
         coordinator.remember(
             command.generation, coordinator.m_dependencies.webView.reloadFromOrigin(), "reloadFromOrigin returned nil");
     }
@@ -208,6 +209,7 @@ void ShellLoadCoordinator::load(ShellGeneration generation, double timeout)
     const auto url = m_dependencies.appUrl();
     if (!url)
         return failLater(generation, "no app URL");
+    m_dependencies.willLoad();
     remember(generation, m_dependencies.webView.load(*url, timeout), "load returned nil");
 }
 

@@ -29,6 +29,7 @@ public:
         Clock& clock;
         SystemLog& log;
         std::function<std::optional<std::string>()> appUrl; // Asked at each load.
+        std::function<void()> willLoad; // Called before the web view is asked for a load or a reload.
     };
 
     // Shows that the application is loading.

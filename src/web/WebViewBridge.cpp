@@ -40,6 +40,8 @@ WebViewBridge::WebViewBridge(const TrustedOrigins& origins, Dependencies depende
           m_document, m_dependencies.log, m_dependencies.bundleIdentifier, m_dependencies.extensionStoreUrl })
     , m_applicationPicker({ m_dependencies.openPanel, m_dependencies.workspace, m_delivery, m_dependencies.log,
           m_dependencies.bringWindowForward, m_dependencies.applicationsFolder })
+    , m_browserFeatures({ m_dependencies.mainLoop, m_dependencies.webView, m_dependencies.alerts, m_origins, m_document,
+          m_dependencies.log })
 {
     buildTable();
     m_dependencies.removal.addObserver(m_life.guard([this] { m_stateMessages.removalChanged(); }));
@@ -109,6 +111,7 @@ void WebViewBridge::didStartProvisional(const WebNavigation& navigation)
 
 void WebViewBridge::didCommit(const WebNavigation& navigation)
 {
+    m_browserFeatures.dismissDialog();
     m_document = {};
     if (m_loadObserver)
         m_loadObserver->didCommit(navigation);
@@ -137,9 +140,16 @@ void WebViewBridge::didFail(const WebNavigation& navigation, const WebError& err
 
 void WebViewBridge::contentProcessDidTerminate()
 {
+    m_browserFeatures.dismissDialog();
     if (m_loadObserver)
         m_loadObserver->contentProcessDidTerminate();
     m_dependencies.deviceSetup.pageChanged();
+}
+
+void WebViewBridge::pushBlockingStatus(const std::shared_ptr<const BlockingStatus>& status)
+{
+    if (!m_browserFeatures.isDialogOpen())
+        m_blockingStatus.push(status);
 }
 
 void WebViewBridge::navigationIsPending()

@@ -6,6 +6,7 @@
 #include "web/ApplicationPicker.h"
 #include "web/BlockingStatusDelivery.h"
 #include "web/BridgeTable.h"
+#include "web/BrowserFeatures.h"
 #include "web/DocumentMemory.h"
 #include "web/PageDelivery.h"
 #include "web/StateMessages.h"
@@ -31,6 +32,7 @@ public:
         Executor& pageScriptQueue; // Serial; where large scripts are made.
         WebView& webView;
         OpenPanel& openPanel;
+        AppAlertPresenter& alerts;
         Workspace& workspace;
         UserDefaults& defaults;
         SystemNotificationCenterClient& notifications;
@@ -58,7 +60,10 @@ public:
 
     [[nodiscard]] TokenRequest& tokenRequest() { return m_tokenRequest; }
 
-    void pushBlockingStatus(const std::shared_ptr<const BlockingStatus>& status) { m_blockingStatus.push(status); }
+    // After every poll. While a dialog of the page is open it could take nothing, so that scripts would pile up.
+    void pushBlockingStatus(const std::shared_ptr<const BlockingStatus>& status);
+
+    [[nodiscard]] BrowserFeatures& browserFeatures() { return m_browserFeatures; }
 
     void applicationDidBecomeActive() { m_systemMessages.applicationDidBecomeActive(); }
 
@@ -74,6 +79,7 @@ public:
     void didFinish(const WebNavigation& navigation) override;
     void didFail(const WebNavigation& navigation, const WebError& error) override;
     void contentProcessDidTerminate() override;
+    void downloadRefused() override { m_browserFeatures.missed(MissingFeature::download); }
 
     // Whether a setup link still waits; asked after each page that has finished loading.
     void setPendingNavigation(std::function<bool()> isPending) { m_isNavigationPending = std::move(isPending); }
@@ -93,6 +99,7 @@ private:
     StateMessages m_stateMessages;
     SystemMessages m_systemMessages;
     ApplicationPicker m_applicationPicker;
+    BrowserFeatures m_browserFeatures;
     BridgeTable m_table;
     ShellLoadCoordinator* m_loadObserver { nullptr };
     std::function<bool()> m_isNavigationPending;

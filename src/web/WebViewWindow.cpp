@@ -22,17 +22,18 @@ WebViewWindow::WebViewWindow(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
     , m_bridge(m_dependencies.origins,
           { m_dependencies.mainLoop, m_dependencies.pageScriptQueue, m_dependencies.webView, m_dependencies.openPanel,
-              m_dependencies.workspace, m_dependencies.defaults, m_dependencies.notifications, m_dependencies.reminders,
-              m_dependencies.log, m_dependencies.daemonClient, m_dependencies.deviceSetup, m_dependencies.removal,
-              m_dependencies.updater, [this] { bringToFront(); }, m_dependencies.applicationsFolder,
-              m_dependencies.version, m_dependencies.bundleIdentifier, m_dependencies.extensionStoreUrl })
+              m_dependencies.alerts, m_dependencies.workspace, m_dependencies.defaults, m_dependencies.notifications,
+              m_dependencies.reminders, m_dependencies.log, m_dependencies.daemonClient, m_dependencies.deviceSetup,
+              m_dependencies.removal, m_dependencies.updater, [this] { bringToFront(); },
+              m_dependencies.applicationsFolder, m_dependencies.version, m_dependencies.bundleIdentifier,
+              m_dependencies.extensionStoreUrl })
     , m_linkRouter([this] { return m_dependencies.clock.continuousSeconds(); }, m_dependencies.newUuid)
     , m_linkReplyHandler(m_linkRouter,
           [this](auto protocol, auto host) { return m_dependencies.origins.isBridgeTrusted(protocol, host); })
     , m_mediaCaptureDelegate(
           m_dependencies.origins, m_dependencies.openPanel, m_dependencies.log, [this] { bringToFront(); })
     , m_loadCoordinator({ startedWebView(), m_dependencies.placeholder, m_dependencies.mainLoop, m_dependencies.clock,
-          m_dependencies.log, [this] { return appUrl(); } })
+          m_dependencies.log, [this] { return appUrl(); }, [this] { m_bridge.browserFeatures().dismissDialog(); } })
     , m_inspectorSwitch({ m_dependencies.webView, m_dependencies.defaults, m_dependencies.mainLoop,
           m_dependencies.clock, m_dependencies.log })
 {
@@ -57,6 +58,7 @@ WebView& WebViewWindow::startedWebView()
             m_dependencies.deviceName, m_dependencies.version),
         .navigationDelegate = m_bridge,
         .uiDelegate = m_mediaCaptureDelegate,
+        .browserDelegate = m_bridge.browserFeatures(),
     });
     m_dependencies.window.build({ .title = "Brevanta", .width = contentWidth, .height = contentHeight });
     return m_dependencies.webView;

@@ -31,6 +31,7 @@ public:
         WebView& webView;
         Placeholder& placeholder;
         OpenPanel& openPanel;
+        AppAlertPresenter& alerts;
         Workspace& workspace;
         SystemNotificationCenterClient& notifications;
         HabitReminderPresenter& reminders;

@@ -52,24 +52,6 @@ TEST_F(PageBridgeTest, everyStateIsAnswered)
     }
 }
 
-TEST_F(PageBridgeTest, whatIsNoMessageChangesNothing)
-{
-    const auto before = service().command("requests");
-    ASSERT_EQ(
-        web().evaluate("(() => { const h = window.webkit.messageHandlers.kestrelune; const cyclic = {}; cyclic.c = "
-                       "cyclic; for (const body of [undefined, null, 1, 'auth_token', [], {}, { type: 1 }, { type: "
-                       "'nonsense' }, { type: 'auth_token' }, cyclic, 10n, () => {}, Symbol('x')]) { try { "
-                       "h.postMessage(body); } catch (e) {} } return true; })()"),
-        "true");
-    // What is posted is handled in its order, so the answer to this one comes after all of them.
-    listenFor("kestrelune_updater_state");
-    post("{ type: 'get_updater_state' }");
-    ASSERT_TRUE(web().awaitTrue("window.heard.some((e) => e.name === 'kestrelune_updater_state')"));
-    EXPECT_EQ(service().requestCount("set_auth_token"), 0U);
-    EXPECT_EQ(service().requestCount("force_sync"), 0U);
-    EXPECT_TRUE(bench().client().process().isRunning());
-}
-
 TEST_F(PageBridgeTest, forceSyncAndRemovalReachTheService)
 {
     post("{ type: 'force_sync' }");
@@ -101,6 +83,22 @@ TEST_F(PageBridgeTest, aRedirectByScriptIsCancelledAndThePageStays)
     listenFor("kestrelune_updater_state");
     post("{ type: 'get_updater_state' }");
     EXPECT_TRUE(web().awaitTrue("window.heard.length > 0"));
+}
+
+TEST_F(PageBridgeTest, aConfirmIsAnsweredByTheUserOrByAReload)
+{
+    const auto& display = bench().display();
+    const auto ask = [&] {
+        EXPECT_EQ(web().evaluate("(setTimeout(() => { window.answer = confirm('Sure?'); }, 0), true)"), "true");
+        return display.awaitWindows("localhost", 1, patience);
+    };
+    ASSERT_TRUE(ask());
+    display.pressCloseButton(display.windowsTitled("localhost").front());
+    EXPECT_TRUE(web().awaitTrue("window.answer === false"));
+    ASSERT_TRUE(ask());
+    click("Reload");
+    EXPECT_TRUE(web().awaitTrue("window.answer === undefined"));
+    EXPECT_TRUE(display.awaitWindows("localhost", 0, patience));
 }
 
 TEST_F(PageBridgeTest, aPickedApplicationIsWhatThePageGetsOrNothing)

@@ -62,6 +62,8 @@ void WebServer::answer(SoupServerMessage* message, const Page& page)
     auto* const headers = soup_server_message_get_response_headers(message);
     if (!page.location.empty())
         soup_message_headers_append(headers, "Location", page.location.c_str());
+    if (!page.disposition.empty())
+        soup_message_headers_append(headers, "Content-Disposition", page.disposition.c_str());
     if (page.neverEnds) {
         soup_message_headers_set_encoding(headers, SOUP_ENCODING_CHUNKED);
         soup_message_headers_append(headers, "Content-Type", page.type.c_str());

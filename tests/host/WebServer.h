@@ -19,6 +19,7 @@ public:
         unsigned status { 200 };
         std::string type { "text/html" };
         std::string location; // For a redirection.
+        std::string disposition {}; // Content-Disposition.
         bool staysSilent { false }; // Takes the request and never answers.
         bool neverEnds { false }; // Answers with the body and leaves the connection open.
     };

@@ -54,6 +54,14 @@ void WebDiary::chooseFiles(
     endFileChoice = std::move(onEnd);
 }
 
+void WebDiary::showDialog(const PageDialog& dialog, const FrameFacts& frame, std::function<void(DialogAnswer)> onEnd)
+{
+    EXPECT_FALSE(isInsideOfMethod);
+    dialogs.push_back(dialog);
+    askingFrames.push_back(frame);
+    endDialog = std::move(onEnd);
+}
+
 void WebDiary::messageArrived(const ScriptMessage& message)
 {
     EXPECT_FALSE(isInsideOfMethod);
@@ -96,7 +104,8 @@ void WebViewTest::start(const std::optional<WebEngineOptions::Certificate>& cert
         .applicationNameForUserAgent = "BrevantaTest/1.5",
         .documentStartScript = "window.startedWith = document.readyState + (window.pageScriptRan ? ' late' : '');",
         .navigationDelegate = diary,
-        .uiDelegate = diary });
+        .uiDelegate = diary,
+        .browserDelegate = diary });
     window.set_default_size(400, 300);
     window.add(view->widget());
     window.show();

@@ -14,6 +14,7 @@ namespace brevanta {
 // numbered in the order in which they are met, whether here or by the test.
 class WebDiary final : public WebNavigationDelegate,
                        public WebUiDelegate,
+                       public WebBrowserDelegate,
                        public ScriptMessageHandler,
                        public ScriptReplyHandler {
 public:
@@ -26,9 +27,13 @@ public:
     void didFinish(const WebNavigation& navigation) override { write("finish", navigation); }
     void didFail(const WebNavigation& navigation, const WebError& error) override;
     void contentProcessDidTerminate() override;
+    void downloadRefused() override { ++downloads; }
     CaptureDecision decideCapture(CaptureType type, const FrameFacts& frame) override;
     void chooseFiles(const FileInputRequest& request, const FrameFacts& frame,
         std::function<void(std::vector<std::string>)> onEnd) override;
+    void showDialog(
+        const PageDialog& dialog, const FrameFacts& frame, std::function<void(DialogAnswer)> onEnd) override;
+    void newWindowRequested(const NavigationAction& action) override { windows.push_back(action); }
     void messageArrived(const ScriptMessage& message) override;
     std::optional<std::string> replyTo(const ScriptMessage& message) override;
 
@@ -42,6 +47,10 @@ public:
     std::vector<CaptureType> captures;
     std::vector<FileInputRequest> fileRequests;
     std::function<void(std::vector<std::string>)> endFileChoice;
+    std::vector<PageDialog> dialogs;
+    std::function<void(DialogAnswer)> endDialog;
+    std::vector<NavigationAction> windows;
+    int downloads { 0 };
 
     std::string refusedPath; // Actions with this path are cancelled.
     bool refusesErrors { false }; // Responses of 400 and above are cancelled.

@@ -101,6 +101,78 @@ TEST_F(WebViewUiTest, ThePageGetsTheFilesThatTheDelegateGives)
     }
 }
 
+TEST_F(WebViewUiTest, ADialogIsAnsweredByTheDelegateWhileTheViewGoesOn)
+{
+    struct {
+        const char* call;
+        PageDialogKind kind;
+        DialogAnswer answer;
+        const char* result;
+    } const cases[] = {
+        { "alert('A <b>text</b>')", PageDialogKind::alert, DialogAnswer::accepted, "null" },
+        { "confirm('A <b>text</b>')", PageDialogKind::confirm, DialogAnswer::accepted, "true" },
+        { "confirm('A <b>text</b>')", PageDialogKind::confirm, DialogAnswer::dismissed, "false" },
+        { "prompt('A <b>text</b>', 'given')", PageDialogKind::prompt, DialogAnswer::dismissed, "null" },
+    };
+    for (const auto& [call, kind, answer, expected] : cases) {
+        diary.messages.clear();
+        diary.endDialog = nullptr;
+        view->evaluate("webkit.messageHandlers.note.postMessage([" + std::string(call) + "][0] ?? null)");
+        ASSERT_TRUE(serveUntil([&] { return diary.endDialog != nullptr; })) << call;
+        EXPECT_EQ(diary.dialogs.back().kind, kind);
+        EXPECT_EQ(diary.dialogs.back().text, "A <b>text</b>");
+        EXPECT_EQ(diary.askingFrames.back(), page);
+        EXPECT_TRUE(diary.messages.empty());
+        diary.endDialog(answer);
+        diary.endDialog = nullptr; // Whoever held the answer has no need of it.
+        ASSERT_TRUE(awaitMessages(1)) << call;
+        EXPECT_EQ(diary.messages[0].body, expected) << call;
+    }
+    view->evaluate("onbeforeunload = event => { event.preventDefault(); return 'no'; }");
+    loadAndFinish("/");
+    EXPECT_EQ(diary.dialogs.size(), std::size(cases)) << "leaving the page is not asked about";
+}
+
+TEST_F(WebViewUiTest, FramesHaveNoDialogs)
+{
+    server.put("/frame",
+        { .body = "<script>parent.postMessage([alert('a') ?? null, confirm('b'), prompt('c')], '*');"
+                  "</script>" });
+    view->evaluate("onmessage = event => webkit.messageHandlers.note.postMessage(event.data); const frame = "
+                   "document.createElement('iframe'); frame.src = '"
+        + server.url("/frame", "localhost") + "'; document.body.append(frame)");
+    ASSERT_TRUE(awaitMessages(1));
+    EXPECT_EQ(diary.messages[0].body, "[null,false,null]");
+    EXPECT_TRUE(diary.dialogs.empty());
+}
+
+TEST_F(WebViewUiTest, WindowsAndDownloadsAreToldOfAndNothingComesOfThem)
+{
+    EXPECT_EQ(result("String(window.open('/two'))"), "\"null\"");
+    server.put("/file", { .body = "binary", .type = "application/zip" });
+    server.put("/attached", { .body = "<title>saved</title>", .disposition = "attachment; filename=a.html" });
+    server.put("/two", { .body = "two" });
+    server.put("/links",
+        { .body = "<a id=window target=_blank href=/two>x</a><a id=named download=x href=/two>x</a>"
+                  "<a id=file href=/file>x</a><a id=attached href=/attached>x</a>" });
+    loadAndFinish("/links");
+    const auto click = [&](const std::string& id) { view->evaluate("document.getElementById('" + id + "').click()"); };
+    click("window");
+    ASSERT_TRUE(serveUntil([&] { return diary.windows.size() == 2; }));
+    EXPECT_EQ(diary.windows[0].type, NavigationType::other);
+    for (const auto& action : { diary.windows[1], diary.actions.back() }) {
+        EXPECT_EQ(action.type, NavigationType::linkActivated);
+        EXPECT_EQ(action.url->text, server.url("/two"));
+    }
+    int downloads = 0;
+    for (const char* id : { "named", "file", "attached" }) {
+        click(id);
+        ++downloads;
+        EXPECT_TRUE(serveUntil([&] { return diary.downloads == downloads; })) << id;
+    }
+    EXPECT_EQ(committed(), server.url("/links"));
+}
+
 TEST_F(WebViewUiTest, InspectionIsOffUntilItIsAllowed)
 {
     auto* const settings = webkit_web_view_get_settings(engineView());

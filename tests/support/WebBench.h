@@ -13,6 +13,7 @@
 #include "notify/SystemNotificationCenterClient.h"
 #include "setup/DeviceSetup.h"
 #include "support/StatusReply.h"
+#include "track/AppAlertPresenter.h"
 #include "web/WebViewWindow.h"
 
 #include <memory>
@@ -70,6 +71,7 @@ public:
             .webView = webView,
             .placeholder = placeholder,
             .openPanel = openPanel,
+            .alerts = alerts,
             .workspace = workspace,
             .notifications = notificationClient,
             .reminders = reminders,
@@ -133,6 +135,8 @@ public:
     FakeWebView webView;
     FakePlaceholder placeholder;
     FakeOpenPanel openPanel { mainLoop };
+    FakeAlertPanel alertPanel { mainLoop };
+    AppAlertPresenter alerts { alertPanel, mainLoop };
     FakeWorkspace workspace { mainLoop };
     FakeNotificationCenter notifications { mainLoop };
     SystemNotificationCenterClient notificationClient { notifications, mainLoop,

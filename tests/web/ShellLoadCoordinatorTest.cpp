@@ -25,7 +25,7 @@ protected:
     void create()
     {
         coordinator = std::make_unique<ShellLoadCoordinator>(ShellLoadCoordinator::Dependencies {
-            webView, placeholder, mainLoop, clock, log, [this] { return appUrl; } });
+            webView, placeholder, mainLoop, clock, log, [this] { return appUrl; }, [] {} });
     }
     void startFirstLoad()
     {

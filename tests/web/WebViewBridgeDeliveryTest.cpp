@@ -40,6 +40,36 @@ TEST_F(WebViewBridgeTest, OnlyTheServicesAndTheSignInPagesAreNavigatedTo)
     EXPECT_TRUE(log.lines.empty());
 }
 
+TEST_F(WebViewBridgeTest, ALinkThatAsksForAWindowLoadsInThisOneAndNothingElseOpensOne)
+{
+    openUsable();
+    auto& browser = webView.configuration->browserDelegate;
+    const auto before = webView.loads.size();
+    const auto service = urlOf("https", "www.example.com", "/help");
+    browser.newWindowRequested({ service, NavigationType::linkActivated });
+    EXPECT_EQ(webView.loads.size(), before) << "not from inside of the engine's question";
+    settle();
+    EXPECT_EQ(webView.loads.back(), (FakeWebView::Load { service.text, 60 }));
+    EXPECT_TRUE(log.lines.empty());
+    for (int time = 0; time < 2; ++time) {
+        browser.newWindowRequested({ service, NavigationType::other });
+        browser.newWindowRequested({ std::nullopt, NavigationType::other });
+        browser.newWindowRequested({ urlOf("https", "other.example"), NavigationType::linkActivated });
+        navigation().downloadRefused();
+        settle();
+    }
+    EXPECT_EQ(webView.loads.size(), before + 1);
+    const std::vector<std::string> said {
+        "[WebViewBridge] the page wants what it does not get here: a window of its own",
+        "[WebViewBridge] the page wants what it does not get here: a download"
+    };
+    EXPECT_EQ(log.lines, said) << "once for each page";
+    webView.commit(service);
+    log.lines.clear();
+    navigation().downloadRefused();
+    EXPECT_EQ(log.lines, std::vector<std::string> { said.back() });
+}
+
 TEST_F(WebViewBridgeTest, AServerErrorIsAFailureOfOurOwnLoadsOnly)
 {
     open();
@@ -135,6 +165,66 @@ TEST_F(WebViewBridgeTest, WhatADocumentWasToldIsForgottenWithIt)
     notifications.authorization = NotificationAuthorization::authorized;
     EXPECT_EQ(change(), (std::vector<std::ptrdiff_t> { 1, 0, 0 }))
         << "the new one has asked neither for the removal nor for the permission";
+}
+
+TEST_F(WebViewBridgeTest, OnlyTheTrustedMainFramesDialogsAreShownAndEachIsAnsweredOnce)
+{
+    using enum PageDialogKind;
+    const FrameFacts trusted { true, "https", "www.example.com" };
+    struct Case {
+        PageDialogKind kind;
+        FrameFacts frame;
+        std::vector<std::string> buttons; // None when it is not shown.
+        std::function<void(WebBench&)> end;
+        DialogAnswer answer { DialogAnswer::dismissed };
+    };
+    const auto press = [](std::size_t button) {
+        return [button](WebBench& bench) {
+            bench.alertPanel.answer({ AlertEnd::button, button });
+            bench.settle();
+        };
+    };
+    const auto commit = [](WebBench& bench) { bench.webView.commit(urlOf("https", "www.example.com")); };
+    for (const auto& [kind, frame, buttons, end, answer] :
+        {
+            Case { alert, trusted, { "OK" }, press(0), DialogAnswer::accepted },
+            Case { confirm, trusted, { "OK", "Cancel" }, press(0), DialogAnswer::accepted },
+            Case { confirm, trusted, { "OK", "Cancel" }, press(1) },
+            Case { confirm, trusted, { "OK", "Cancel" }, commit },
+            Case { confirm, trusted, { "OK", "Cancel" }, [](auto& bench) { bench.window->reload(); } },
+            Case { confirm, trusted, { "OK", "Cancel" }, [](auto& bench) { bench.webView.terminateContentProcess(); } },
+            Case { prompt, trusted, {}, {} },
+            Case { alert, { false, "https", "www.example.com" }, {}, {} },
+            Case { confirm, { true, "https", "login.example.org" }, {}, {} },
+        }) {
+        WebBench bench;
+        bench.openUsable();
+        std::vector<DialogAnswer> answers;
+        // The second one comes while the alert of the first may still be on its way off the screen.
+        for (std::size_t time = 1; time <= 2; ++time) {
+            bench.webView.configuration->browserDelegate.showDialog(
+                { kind, std::string(5000, 'x') }, frame, [&](DialogAnswer given) { answers.push_back(given); });
+            if (!buttons.empty()) {
+                bench.window->pushBlockingStatus(statusWith(Json::object()));
+                EXPECT_EQ(bench.pageScriptQueue.pending(), 0U) << "the page could only gather scripts";
+                bench.settle();
+                EXPECT_EQ(answers.size(), time - 1);
+                end(bench);
+            }
+            EXPECT_EQ(answers, std::vector(time, answer)) << "at once: the page stands still until then";
+            if (!buttons.empty()) {
+                commit(bench);
+                bench.webView.finish();
+            }
+        }
+        EXPECT_EQ(bench.alertPanel.presented.size(), buttons.empty() ? 0U : 2U);
+        for (const auto& shown : bench.alertPanel.presented) {
+            EXPECT_EQ(shown.buttons, buttons);
+            EXPECT_LT(shown.informativeText.size(), 2100U);
+        }
+        const auto isRefusal = [](const std::string& line) { return line.contains("what it does not get here"); };
+        EXPECT_EQ(std::ranges::count_if(bench.log.lines, isRefusal), buttons.empty() ? 1 : 0) << "once for each page";
+    }
 }
 
 TEST_F(WebViewBridgeTest, EachEndOfANavigationAsksForTheOnboardingState)

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 #include <webkit2/webkit-web-extension.h>
 
@@ -145,6 +146,17 @@ void defineForGood(JSCValue* object, const char* name, JSCValue* value)
     jsc_value_object_define_property_data(object, name, JSC_VALUE_PROPERTY_ENUMERABLE, value);
 }
 
+// The view is not told whose dialog it is to show. In other frames than the main one they come to what comes of a
+// dialog that is dismissed.
+void takeDialogsAway(JSCContext* context, JSCValue* window)
+{
+    for (const auto& [name, replacement] : { std::pair { "alert", "() => {}" }, std::pair { "confirm", "() => false" },
+             std::pair { "prompt", "() => null" } }) {
+        const GObjectPtr<JSCValue> function(jsc_context_evaluate(context, replacement, -1));
+        defineForGood(window, name, function.get());
+    }
+}
+
 void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFrame* frame, gpointer data)
 {
     const auto& bridge = *static_cast<Bridge*>(data);
@@ -164,6 +176,8 @@ void windowObjectCleared(WebKitScriptWorld* world, WebKitWebPage* page, WebKitFr
     defineForGood(webkit.get(), "messageHandlers", messageHandlers.get());
     const GObjectPtr<JSCValue> window(jsc_context_get_global_object(context.get()));
     defineForGood(window.get(), "webkit", webkit.get());
+    if (!isMainFrame)
+        takeDialogsAway(context.get(), window.get());
 }
 
 std::vector<Handler> handlersIn(GVariant* list)

@@ -202,6 +202,7 @@ typedef NS_ENUM(NSUInteger, NSURLRequestCachePolicy) { NSURLRequestUseProtocolCa
 // Documentation: NSHTTPURLResponse; macOS 10.2.
 @interface NSHTTPURLResponse : NSURLResponse
 @property (readonly) NSInteger statusCode;
+- (nullable NSString*)valueForHTTPHeaderField:(NSString*)field; // macOS 10.15
 @end
 
 // Documentation: NSJSONReadingOptions; macOS 10.7.

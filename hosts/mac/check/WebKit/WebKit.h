@@ -80,6 +80,7 @@ typedef NS_ENUM(NSInteger, WKNavigationType) { WKNavigationTypeLinkActivated = 0
 @interface WKNavigationAction : NSObject
 @property (nonatomic, readonly) WKNavigationType navigationType;
 @property (nonatomic, readonly, copy) NSURLRequest* request;
+@property (nonatomic, readonly) BOOL shouldPerformDownload; // macOS 11.3
 @end
 
 // Documentation: WKNavigationResponse; macOS 10.10.
@@ -138,9 +139,30 @@ typedef NS_ENUM(NSInteger, WKMediaCaptureType) {
 // Documentation: WKPermissionDecision; macOS 12.0.
 typedef NS_ENUM(NSInteger, WKPermissionDecision) { WKPermissionDecisionGrant = 1, WKPermissionDecisionDeny = 2 };
 
+// Documentation: WKWindowFeatures; macOS 10.10.
+@interface WKWindowFeatures : NSObject
+@end
+
 // Documentation: WKUIDelegate; macOS 10.10. On the main thread.
 @protocol WKUIDelegate <NSObject>
 @optional
+- (nullable WKWebView*)webView:(WKWebView*)webView
+    createWebViewWithConfiguration:(WKWebViewConfiguration*)configuration
+               forNavigationAction:(WKNavigationAction*)navigationAction
+                    windowFeatures:(WKWindowFeatures*)windowFeatures;
+- (void)webView:(WKWebView*)webView
+    runJavaScriptAlertPanelWithMessage:(NSString*)message
+                      initiatedByFrame:(WKFrameInfo*)frame
+                     completionHandler:(void (^)(void))completionHandler;
+- (void)webView:(WKWebView*)webView
+    runJavaScriptConfirmPanelWithMessage:(NSString*)message
+                        initiatedByFrame:(WKFrameInfo*)frame
+                       completionHandler:(void (^)(BOOL result))completionHandler;
+- (void)webView:(WKWebView*)webView
+    runJavaScriptTextInputPanelWithPrompt:(NSString*)prompt
+                              defaultText:(nullable NSString*)defaultText
+                         initiatedByFrame:(WKFrameInfo*)frame
+                        completionHandler:(void (^)(NSString* _Nullable result))completionHandler;
 - (void)webView:(WKWebView*)webView
     requestMediaCapturePermissionForOrigin:(WKSecurityOrigin*)origin
                           initiatedByFrame:(WKFrameInfo*)frame
