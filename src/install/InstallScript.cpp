@@ -1,6 +1,7 @@
 #include "install/InstallScript.h"
 
 #include "base/Text.h"
+#include "install/ScriptFragments.h"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +12,7 @@ namespace brevanta {
 
 namespace {
 
-constexpr std::string_view label = "com.brevanta.daemon";
+using namespace ScriptFragments;
 
 // What the service was called in earlier releases.
 constexpr std::array<std::string_view, 4> earlierLabels {
@@ -28,8 +29,6 @@ constexpr double secondsBetweenAttempts = 0.25;
 // are sysexits(3)'s 64 to 78, and unlike launchctl's 5, which is retried, and the 1 of the tools that handle files.
 constexpr int removalBegan = 79;
 
-std::string quoted(const std::filesystem::path& path) { return shellQuoted(path.string()); }
-
 bool isPlain(char character)
 {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z')
@@ -40,13 +39,6 @@ bool isPlain(char character)
 std::string quotedIfNeeded(const std::filesystem::path& path)
 {
     return std::ranges::all_of(path.string(), isPlain) ? path.string() : quoted(path);
-}
-
-std::string toStandardError(std::string_view message) { return "echo " + shellQuoted(message) + " >&2"; }
-
-std::string bootOut(std::string_view service)
-{
-    return "(launchctl bootout system/" + std::string(service) + " 2>/dev/null || true)";
 }
 
 // Each runs only if the one before it has succeeded.
@@ -105,13 +97,6 @@ std::string placeFiles(const InstallPaths& paths)
     return chained(commands);
 }
 
-// launchd forgets the service only once its process has ended; until then it takes no new one of the name.
-std::string stop()
-{
-    return bootOut(label) + "; i=0; while launchctl print system/" + std::string(label)
-        + " >/dev/null 2>&1; do i=$((i+1)); if [ $i -ge 100 ]; then break; fi; sleep 0.1; done";
-}
-
 std::string refusedText()
 {
     return "launchd did not accept the blocking service after " + std::to_string(bootstrapAttempts)
@@ -130,8 +115,7 @@ std::string start(const InstallPaths& paths)
 
 std::string endIfRemovalBegan(const InstallPaths& paths)
 {
-    const auto marker = quoted(paths.removalMarker());
-    return "if [ -e " + marker + " ] || [ -L " + marker + " ]; then "
+    return "if " + removalMarkerIsThere(paths) + "; then "
         + toStandardError("Brevanta began removing its blocking service from this Mac while the password window was "
                           "open, so nothing was reinstalled.")
         + "; exit " + std::to_string(removalBegan) + "; fi";
@@ -178,13 +162,9 @@ std::filesystem::path InstallPaths::lockf() const { return root / "usr/bin/lockf
 std::string installScript(const InstallPaths& paths)
 {
     // Without the braces the service would be started even if its files could not be placed.
-    const auto script = endIfRemovalBegan(paths) + "; " + cleanOut(paths) + " && " + placeFiles(paths) + " && { "
-        + stop() + "; " + start(paths) + "; }";
-    const auto lock = quoted(paths.removalLock());
-    return "(umask 077; : >> " + lock + ") && chmod 600 " + lock + " && " + quoted(paths.lockf()) + " -s -k -t 120 "
-        + lock + " /bin/sh -c " + shellQuoted(script) + " || { rc=$?; if [ $rc -eq 75 ]; then "
-        + toStandardError("Brevanta is still removing its blocking service from this Mac. Try again in a minute.")
-        + "; fi; exit $rc; }";
+    return underRemovalLock(paths,
+        endIfRemovalBegan(paths) + "; " + cleanOut(paths) + " && " + placeFiles(paths) + " && { " + stopService() + "; "
+            + start(paths) + "; }");
 }
 
 std::string failureOfInstallScript(std::string_view errors)
