@@ -90,7 +90,7 @@ std::optional<double> RemovalHandshake::nextAt() const
             return m_expiresAt;
         return std::min(*m_expiresAt, m_since + m_times->pending);
     }
-    if (!m_times)
+    if (!m_times || m_hangs)
         return std::nullopt;
     if (m_state == State::committed)
         return m_since + m_times->committed;
@@ -99,7 +99,7 @@ std::optional<double> RemovalHandshake::nextAt() const
 
 bool RemovalHandshake::isOver(double epoch) const
 {
-    return m_state == State::finishing && m_times && m_finishingBy && epoch >= *m_finishingBy;
+    return m_state == State::finishing && !m_hangs && m_times && m_finishingBy && epoch >= *m_finishingBy;
 }
 
 void RemovalHandshake::resumePending(std::optional<std::string> account, double epoch)
@@ -138,6 +138,13 @@ void RemovalHandshake::finish(double epoch)
     become(State::finishing);
     m_finishingBy = epoch + (m_times ? m_times->finishing : finishingSeconds);
     noteChange();
+}
+
+void RemovalHandshake::hang(double epoch, double secondsOverdue)
+{
+    finish(epoch);
+    m_finishingBy = epoch - secondsOverdue;
+    m_hangs = true;
 }
 
 void RemovalHandshake::setQueueError(std::optional<std::string> queueError)
@@ -190,6 +197,7 @@ void RemovalHandshake::become(State state)
     m_state = state;
     m_queueError.reset();
     m_finishingBy.reset();
+    m_hangs = false;
 }
 
 void RemovalHandshake::noteChange() const

@@ -51,6 +51,8 @@ public:
     void makePending(double epoch, double lifetime);
     void commit(double epoch);
     void finish(double epoch);
+    // Finishing as well, with an end that was due so many seconds ago, and never comes.
+    void hang(double epoch, double secondsOverdue);
     void setQueueError(std::optional<std::string>);
     void setRequesting(bool);
     void setServiceAccount(std::optional<std::string> account) { m_serviceAccount = std::move(account); }
@@ -80,6 +82,7 @@ private:
     std::optional<std::string> m_serviceAccount;
     bool m_isRequesting = false;
     std::optional<RemovalTimes> m_times;
+    bool m_hangs = false;
     double m_since = 0; // When it became pending or committed.
     std::function<void()> m_observer;
 };

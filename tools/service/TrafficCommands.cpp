@@ -23,6 +23,16 @@ static ParsedCommand parseRemovalPending(CommandWords& words)
                      Service& service) { service.state().removal().makePending(service.state().epoch(), lifetime); });
 }
 
+static ParsedCommand parseRemovalHanging(CommandWords& words)
+{
+    const auto word = words.next();
+    const auto overdue = word ? parseNumber(*word) : std::optional(0.0);
+    if (!overdue)
+        return misused();
+    return doing(
+        [overdue = *overdue](Service& service) { service.state().removal().hang(service.state().epoch(), overdue); });
+}
+
 static ParsedCommand parseRemovalError(CommandWords& words)
 {
     const auto text = words.rest();
@@ -53,6 +63,8 @@ static ParsedCommand parseRemoval(CommandWords& words)
         return doing([](Service& service) { service.state().removal().finish(service.state().epoch()); });
     if (what == "pending")
         return parseRemovalPending(words);
+    if (what == "hanging")
+        return parseRemovalHanging(words);
     if (what == "error")
         return parseRemovalError(words);
     if (what == "launch")
@@ -136,8 +148,8 @@ std::span<const CommandEntry> trafficCommands()
 {
     static constexpr std::array entries {
         CommandEntry { "removal",
-            "removal none | pending [SECONDS] | committed | finishing | error TEXT|none | requesting on|off"
-            " | account DIGITS|none | launch ID ORDER",
+            "removal none | pending [SECONDS] | committed | finishing | hanging [SECONDS] | error TEXT|none"
+            " | requesting on|off | account DIGITS|none | launch ID ORDER",
             parseRemoval },
         CommandEntry { "misbehave", "misbehave MODE [ARGUMENTS] [on TYPE] [times N]", parseMisbehave },
         CommandEntry { "behave", "behave", parseBehave },

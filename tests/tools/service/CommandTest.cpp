@@ -10,9 +10,9 @@ TEST(Command, AMalformedLineIsRefusedBeforeAnythingIsDone)
         "list blocked_domains -1", "list blocked_domains 1000001", "token", "token accept-only", "token accept more",
         "credential", "version", "boot", "track com.example", "queue", "queue nothing", "queue alert for",
         "queue alert for x", "queue alert {", "clear", "clear energy", "removal", "removal gone", "removal pending x",
-        "removal error", "removal account x1", "removal launch a", "removal requesting", "filter-answer", "misbehave",
-        "behave now", "answer nothing {}", "answer force_sync", "answer force_sync {", "await", "await get_status",
-        "await nothing 1", "await get_status +", "quit now" };
+        "removal hanging x", "removal error", "removal account x1", "removal launch a", "removal requesting",
+        "filter-answer", "misbehave", "behave now", "answer nothing {}", "answer force_sync", "answer force_sync {",
+        "await", "await get_status", "await nothing 1", "await get_status +", "quit now" };
     for (const auto line : lines) {
         const auto command = parseCommand(line);
         ASSERT_FALSE(command) << line;

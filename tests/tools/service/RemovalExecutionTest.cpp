@@ -183,6 +183,19 @@ TEST_F(RemovalExecutionTest, NothingGoesWhileSomebodyHoldsALock)
     expectGone();
 }
 
+TEST_F(RemovalExecutionTest, ARemovalThatHangsTakesNothingAwayUntilItIsMovedOn)
+{
+    runCommand(*service, "removal hanging 40");
+    EXPECT_EQ(record()["finishing_by"], service->state().epoch() - 40);
+    ASSERT_TRUE(advance(1000));
+    EXPECT_EQ(execution->nextAt(), std::nullopt) << "it would be asked without end";
+    EXPECT_EQ(record()["state"], "finishing");
+    expectInstalled();
+    runCommand(*service, "removal finishing");
+    ASSERT_TRUE(advance(1030));
+    expectGone();
+}
+
 TEST_F(RemovalExecutionTest, ARemovalThatWasKilledAnywhereIsBroughtToItsEndByTheNextRun)
 {
     for (std::size_t steps = 0; steps <= 4; ++steps) {
