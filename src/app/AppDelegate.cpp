@@ -79,7 +79,7 @@ void AppDelegate::applicationDidFinishLaunching()
     m_webViewWindow->loadCoordinator().prepare();
     m_registrations = std::make_unique<LaunchRegistrations>(m_ports, m_configuration);
     m_registrations->begin();
-    m_deviceSetup->launched(m_ports.services.isProgramInstalled() ? ServiceProgram::present : ServiceProgram::absent);
+    m_deviceSetup->launched(lookForServiceProgram(m_ports.services));
     m_notices->awaitClicks(
         [this](const std::string& url) { return isTrusted(url); }, [this] { m_webViewWindow->open(); });
 }
@@ -203,7 +203,8 @@ void AppDelegate::createWindow()
         .openLoginItems = [this] { m_menuBarController->settingsGuide().openLoginItemsSettings(); },
         .onboardingChanged = [this] { m_menuBarController->onboardingChanged(); },
     });
-    m_removal = std::make_unique<RemovalShellController>(*m_daemonClient, m_installation->flight(), m_ports.log);
+    m_removal = std::make_unique<RemovalShellController>(
+        *m_daemonClient, m_installation->flight(), m_ports.services, m_ports.log);
     m_removal->addObserver([this] {
         if (m_removal->shell().isRemoved())
             m_sharedStateWriter->clear();

@@ -1,6 +1,7 @@
 #include "install/RemovalShell.h"
 
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace brevanta {
 
@@ -37,22 +38,21 @@ RemovalShell::Change RemovalShell::statusArrived(const RemovalStatusField& remov
     return *this == before ? Change::none : Change::changed;
 }
 
-RemovalShell::Change RemovalShell::statusFailed(Listener listener)
+RemovalShell::Change RemovalShell::statusFailed(Listener listener, ServiceProgram program)
 {
     const auto before = *this;
     m_statusAvailable = false;
-    if (m_sawCommit && listener == Listener::none) {
+    if (m_sawCommit && listener == Listener::none && program == ServiceProgram::absent) {
         m_daemonGone = true;
         m_daemonReplied = false;
+        m_fence.reset();
     }
     return *this == before ? Change::none : Change::changed;
 }
 
 RemovalShell::Change RemovalShell::serviceInstalled()
 {
-    const auto before = *this;
-    m_sawCommit = false;
-    m_daemonGone = false;
+    const auto before = std::exchange(*this, {});
     return *this == before ? Change::none : Change::changed;
 }
 

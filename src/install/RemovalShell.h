@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "daemon/RemovalSnapshot.h"
+#include "install/ServiceProgram.h"
 
 #include <cstdint>
 #include <optional>
@@ -22,10 +23,11 @@ public:
     // Whether anybody takes connections where the service does.
     enum class Listener { none, there };
 
-    // The service did not answer. After a commit it is the end of the removal that nobody listens any more.
-    [[nodiscard]] Change statusFailed(Listener listener);
+    // The service did not answer. After a commit it is the end of the removal that nobody listens any more and the
+    // program has gone. A service that is installed after that has counted nothing yet: its first record is accepted.
+    [[nodiscard]] Change statusFailed(Listener listener, ServiceProgram program);
 
-    // The service was installed anew: it has not been removed, whatever came before.
+    // The service was installed anew: what was heard of the one before no longer counts.
     [[nodiscard]] Change serviceInstalled();
 
     // The service is about to go: it is handed nothing new, no sign-in token either.

@@ -14,9 +14,10 @@ constexpr std::int64_t actionLimit = std::int64_t { 1 } << 53;
 }
 
 RemovalShellController::RemovalShellController(
-    DaemonClient& daemonClient, const ServiceInstaller& installer, SystemLog& log)
+    DaemonClient& daemonClient, const ServiceInstaller& installer, const ServiceManager& services, SystemLog& log)
     : m_daemonClient(daemonClient)
     , m_installer(installer)
+    , m_services(services)
     , m_log(log)
 {
 }
@@ -31,7 +32,8 @@ void RemovalShellController::serviceFailed(const DaemonFailure& failure)
 {
     const auto* const error = std::get_if<DaemonError>(&failure);
     const bool isListening = !error || error->kind != DaemonError::Kind::connectionFailed;
-    changed(m_shell.statusFailed(isListening ? RemovalShell::Listener::there : RemovalShell::Listener::none));
+    changed(m_shell.statusFailed(
+        isListening ? RemovalShell::Listener::there : RemovalShell::Listener::none, lookForServiceProgram(m_services)));
 }
 
 void RemovalShellController::requestRemoval(const std::string& account)

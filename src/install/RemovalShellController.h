@@ -13,12 +13,14 @@
 namespace brevanta {
 
 class ServiceInstaller;
+class ServiceManager;
 class SystemLog;
 
 // Follows the removal of the blocking service through its status replies, and asks for it. Main thread only.
 class RemovalShellController final : public StatusConsumer {
 public:
-    RemovalShellController(DaemonClient& daemonClient, const ServiceInstaller& installer, SystemLog& log);
+    RemovalShellController(
+        DaemonClient& daemonClient, const ServiceInstaller& installer, const ServiceManager& services, SystemLog& log);
 
     void consume(const std::shared_ptr<const BlockingStatus>& status) override;
     void serviceFailed(const DaemonFailure& failure) override;
@@ -28,7 +30,7 @@ public:
     void requestRemoval(const std::string& account);
     void cancelRemoval(std::int64_t actionId, const std::string& account);
 
-    // The service was installed by this client: what was heard of the end of an earlier one no longer counts.
+    // The service was installed by this client: what was heard of an earlier one no longer counts.
     void serviceInstalled();
 
     [[nodiscard]] const RemovalShell& shell() const { return m_shell; }
@@ -43,6 +45,7 @@ private:
 
     DaemonClient& m_daemonClient;
     const ServiceInstaller& m_installer;
+    const ServiceManager& m_services;
     SystemLog& m_log;
     RemovalShell m_shell;
     std::string m_loggedStep { "none" };

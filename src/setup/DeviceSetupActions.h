@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/LifeToken.h"
+#include "install/ServiceProgram.h"
 #include "setup/DeviceSetup.h"
 
 #include <functional>
@@ -9,10 +10,7 @@
 namespace brevanta {
 
 class ComponentMonitor;
-class ServiceManager;
 class SystemLog;
-
-enum class ServiceProgram { present, absent };
 
 // What the page can have set up on this computer, one action at a time. Main thread only.
 //

@@ -81,6 +81,13 @@ protected:
     [[nodiscard]] fs::path propertyList() { return library() / "LaunchDaemons/com.brevanta.daemon.plist"; }
     [[nodiscard]] fs::path support(const std::string& name) { return library() / "Application Support" / name; }
 
+    void expectRemoved()
+    {
+        for (const auto& gone : { program(), propertyList(), support("Kestrelune"), support("Kestrelune.removing") })
+            EXPECT_FALSE(fs::exists(fs::symlink_status(gone))) << gone;
+        EXPECT_TRUE(fs::exists(support("Kestrelune.removal.lock"))) << "the lock stays";
+    }
+
     // The page has been told of a removal in this state, at last.
     [[nodiscard]] testing::AssertionResult tellsRemoval(const std::string& state)
     {
@@ -179,7 +186,10 @@ TEST_F(InstallTest, theServiceIsRemovedAtThePagesRequest)
     ASSERT_TRUE(tellsRemoval("pending"));
     EXPECT_TRUE(fs::exists(support("Kestrelune/removal-requested")));
     // The service goes in the middle of it, and comes back as another launch.
+    commandService("removal hanging -600");
+    ASSERT_TRUE(tellsRemoval("finishing"));
     commandService("quit");
+    ASSERT_TRUE(tellsRemoval("unavailable"));
     ASSERT_TRUE(showsLine(restartService, slowly));
     click(restartService);
     post("{ type: 'request_uninstall', account: '123' }");
@@ -194,12 +204,11 @@ TEST_F(InstallTest, theServiceIsRemovedAtThePagesRequest)
     EXPECT_TRUE(logs("[KestreluneMac] auth_token bridge: removal finishing, token not forwarded"));
     ASSERT_TRUE(tellsRemoval("removed"));
     EXPECT_TRUE(showsLine(installService, slowly));
-    for (const auto& gone : { program(), propertyList(), support("Kestrelune"), support("Kestrelune.removing") })
-        EXPECT_FALSE(fs::exists(fs::symlink_status(gone))) << gone;
-    EXPECT_TRUE(fs::exists(support("Kestrelune.removal.lock"))) << "the lock stays";
+    expectRemoved();
 
+    fs::remove(bench().client().root() / "var/db/com.brevanta.daemon.launches");
     install();
-    EXPECT_TRUE(tellsRemoval("none")) << "a new service begins anew";
+    EXPECT_TRUE(tellsRemoval("none")) << "a new service begins anew, and to count its launches too";
 }
 
 }

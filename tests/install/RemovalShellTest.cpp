@@ -50,51 +50,35 @@ TEST(RemovalShell, StaleAndReorderedRecordsAreDropped)
 
 TEST(RemovalShell, ThePageHearsWhatTheServiceSaysAndWhatItsSilenceMeans)
 {
+    constexpr auto there = ServiceProgram::present;
+    constexpr auto gone = ServiceProgram::absent;
     RemovalShell shell;
-    const auto state = [&] { return shell.state(false).at("state").get<std::string>(); };
-    EXPECT_EQ(state(), "unavailable");
-    (void)shell.statusArrived({});
-    EXPECT_EQ(state(), "unavailable") << "a service without a record";
-    (void)shell.statusArrived(record(State::pending, "A", 1, 1));
-    EXPECT_EQ(state(), "pending");
-    (void)shell.statusFailed(Listener::none);
-    EXPECT_EQ(state(), "unavailable") << "nothing was committed";
-    (void)shell.statusArrived(record(State::pending, "A", 1, 1));
-    EXPECT_EQ(state(), "pending");
-    (void)shell.statusArrived(record(State::finishing, "A", 1, 2));
-    EXPECT_TRUE(shell.isFinishing());
-    EXPECT_EQ(state(), "finishing");
-    (void)shell.statusFailed(Listener::there);
-    EXPECT_EQ(state(), "unavailable") << "it hangs, and is not gone";
+    const auto says = [&](const RemovalStatusField& field) {
+        (void)shell.statusArrived(field);
+        return shell.state(false).at("state").get<std::string>();
+    };
+    const auto fails = [&](Listener listener, ServiceProgram program) {
+        (void)shell.statusFailed(listener, program);
+        return shell.state(false).at("state").get<std::string>();
+    };
+    EXPECT_EQ(says({}), "unavailable") << "a service without a record";
+    EXPECT_EQ(says(record(State::pending, "A", 1, 1)), "pending");
+    EXPECT_EQ(fails(Listener::none, gone), "unavailable") << "nothing was committed";
+    EXPECT_EQ(says(record(State::pending, "A", 1, 1)), "pending");
+    EXPECT_EQ(says(record(State::committed, "A", 1, 2)), "committed");
+    EXPECT_EQ(fails(Listener::none, there), "unavailable") << "it has crashed, and is started again";
+    EXPECT_EQ(says(record(State::finishing, "B", 2, 1)), "finishing");
+    EXPECT_EQ(fails(Listener::there, gone), "unavailable") << "it hangs, and is not gone";
     EXPECT_TRUE(shell.isFinishing()) << "and still gets no token";
-    (void)shell.statusFailed(Listener::none);
-    EXPECT_EQ(state(), "removed");
+    EXPECT_EQ(fails(Listener::none, gone), "removed");
     EXPECT_FALSE(shell.isFinishing());
-    (void)shell.statusArrived(record(State::none, "B", 2, 1));
-    EXPECT_EQ(state(), "none") << "it was installed anew";
-    EXPECT_EQ(shell.statusFailed(Listener::none), Change::changed);
-    EXPECT_EQ(shell.statusFailed(Listener::none), Change::none);
-}
-
-TEST(RemovalShell, AServiceThatAnswersAgainOrIsInstalledAnewHasNotBeenRemoved)
-{
-    RemovalShell shell;
-    const auto state = [&] { return shell.state(false).at("state").get<std::string>(); };
-    (void)shell.statusArrived(record(State::committed, "A", 1, 2));
-    (void)shell.statusFailed(Listener::none);
-    EXPECT_EQ(state(), "removed");
-    EXPECT_EQ(shell.statusArrived(record(State::committed, "A", 1, 2)), Change::changed);
-    EXPECT_EQ(state(), "committed") << "one poll had failed";
-    (void)shell.statusFailed(Listener::none);
-    (void)shell.statusArrived(record(State::pending, "A", 1, 1));
-    EXPECT_EQ(state(), "unavailable") << "it is there, but what it says is stale";
-    (void)shell.statusFailed(Listener::none);
-    EXPECT_EQ(state(), "removed");
+    EXPECT_EQ(shell.statusFailed(Listener::none, gone), Change::none);
+    EXPECT_EQ(says({}), "unavailable") << "it is there, but gives no record";
+    EXPECT_EQ(says(record(State::finishing, "C", 1, 1)), "finishing") << "a new service may count anew";
     EXPECT_EQ(shell.serviceInstalled(), Change::changed);
-    EXPECT_EQ(state(), "unavailable");
-    (void)shell.statusArrived(record(State::none, "B", 2, 1));
-    (void)shell.statusFailed(Listener::none);
-    EXPECT_EQ(state(), "unavailable") << "the new one has merely stopped";
+    EXPECT_FALSE(shell.isFinishing());
+    EXPECT_EQ(says(record(State::none, "D", 1, 1)), "none");
+    EXPECT_EQ(fails(Listener::none, gone), "unavailable") << "the new one has committed nothing";
 }
 
 TEST(RemovalShell, TheStateHasItsKeysAndOnlyThem)

@@ -4,6 +4,7 @@
 #include "fakes/FakeDaemonTransport.h"
 #include "fakes/FakeMainLoop.h"
 #include "fakes/FakePorts.h"
+#include "fakes/FakeServiceManager.h"
 #include "fakes/FakeUpdater.h"
 #include "fakes/FakeWebView.h"
 #include "fakes/ManualExecutor.h"
@@ -151,7 +152,8 @@ public:
         queue, mainLoop };
     FakeDeviceSetup deviceSetup;
     IdleOrBusyInstaller installer;
-    RemovalShellController removal { daemonClient, installer, log };
+    FakeServiceManager services { mainLoop };
+    RemovalShellController removal { daemonClient, installer, services, log };
     int activations { 0 };
     std::unique_ptr<WebViewWindow> window;
 };
