@@ -5,6 +5,7 @@
 #include "app/FirstLoadHold.h"
 #include "app/LaunchRegistrations.h"
 #include "app/Notices.h"
+#include "app/RemovalCompletion.h"
 #include "app/ServiceInstallation.h"
 #include "app/SetupLinks.h"
 #include "app/WindowAtLaunch.h"
@@ -168,9 +169,12 @@ void AppDelegate::createInstallation()
         .bundle = m_ports.bundle,
         .root = m_configuration.root,
         .changed = [this] { installChanged(); },
-        .failed
-        = [this](const std::string& message) { m_crashReporting->capture({ .kind = "install", .message = message }); },
-        .showQuitHeld = [this] { m_menuBarController->showQuitHeld(); },
+        .failed =
+            [this](const std::string& message) {
+                m_crashReporting->capture({ .kind = isRemoving() ? "removal" : "install", .message = message });
+            },
+        .showQuitHeld
+        = [this] { m_menuBarController->showQuitHeld(isRemoving() ? QuitLine::heldByRemoval : QuitLine::held); },
     });
 }
 
@@ -178,7 +182,7 @@ void AppDelegate::installChanged()
 {
     auto& flight = m_installation->flight();
     if (flight.isInFlight())
-        m_monitor->installBegan();
+        m_monitor->installBegan(isRemoving() ? InstallProgress::removing : InstallProgress::inFlight);
     else
         flight.whenEnded([this](InstallOutcome outcome) {
             m_monitor->installEnded(outcome);
@@ -187,6 +191,8 @@ void AppDelegate::installChanged()
         });
     m_menuBarController->componentsChanged();
 }
+
+bool AppDelegate::isRemoving() const { return m_installation->flight().task() == FlightTask::removal; }
 
 void AppDelegate::createWindow()
 {
@@ -209,6 +215,12 @@ void AppDelegate::createWindow()
         if (m_removal->shell().isRemoved())
             m_sharedStateWriter->clear();
     });
+    m_removalCompletion = std::make_unique<RemovalCompletion>(RemovalCompletion::Dependencies { .removal = *m_removal,
+        .installation = *m_installation,
+        .services = m_ports.services,
+        .clock = m_ports.clock,
+        .alerts = *m_alerts,
+        .log = m_ports.log });
     m_webViewWindow = std::make_unique<WebViewWindow>(WebViewWindow::Dependencies {
         .mainLoop = m_ports.mainLoop,
         .pageScriptQueue = m_ports.pageScriptQueue,
@@ -276,7 +288,8 @@ void AppDelegate::createMenuBarController()
 
 std::vector<StatusConsumer*> AppDelegate::statusConsumers()
 {
-    std::vector<StatusConsumer*> consumers { m_crashReporting.get(), m_sharedStateWriter.get(), m_removal.get() };
+    std::vector<StatusConsumer*> consumers { m_crashReporting.get(), m_sharedStateWriter.get(), m_removal.get(),
+        m_removalCompletion.get() };
     for (auto* const consumer : m_notices->consumers())
         consumers.push_back(consumer);
     return consumers;

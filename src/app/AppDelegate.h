@@ -22,6 +22,7 @@ class FirstLoadHold;
 class LaunchRegistrations;
 class MenuBarController;
 class Notices;
+class RemovalCompletion;
 class RemovalShellController;
 class ServiceInstallation;
 class SetupLinks;
@@ -56,6 +57,7 @@ private:
     void createDaemonClient();
     void createInstallation();
     void installChanged();
+    [[nodiscard]] bool isRemoving() const;
     void createComponentMonitor();
     void createWindow();
     void armLaunchHold();
@@ -77,6 +79,7 @@ private:
     std::unique_ptr<ComponentMonitor> m_monitor;
     std::unique_ptr<DeviceSetupActions> m_deviceSetup;
     std::unique_ptr<RemovalShellController> m_removal;
+    std::unique_ptr<RemovalCompletion> m_removalCompletion;
     std::unique_ptr<WebViewWindow> m_webViewWindow;
     std::unique_ptr<FirstLoadHold> m_firstLoadHold;
     std::unique_ptr<MenuBarController> m_menuBarController;

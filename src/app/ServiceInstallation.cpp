@@ -41,6 +41,13 @@ void ServiceInstallation::install(std::function<void()> onEnd)
     m_flight.whenEnded([onEnd = std::move(onEnd)](InstallOutcome) { onEnd(); });
 }
 
+void ServiceInstallation::finishRemoval(const RemovalHandover& handover, std::function<void(InstallOutcome)> onEnd)
+{
+    const InstallPaths paths { .bundledProgram = {}, .bundledPropertyList = {}, .root = m_dependencies.root };
+    m_flight.beginRemoval(removalScript(paths, handover));
+    m_flight.whenEnded(std::move(onEnd));
+}
+
 TerminationDecision ServiceInstallation::shouldTerminate()
 {
     return feed(InstallHold::QuitAsked { underWay() }) == Answer::putOff ? TerminationDecision::later
@@ -93,11 +100,12 @@ InstallHold::Install ServiceInstallation::underWay() const
 void ServiceInstallation::showFailure(const std::string& message)
 {
     m_dependencies.failed(message);
-    m_dependencies.alerts.present({ .identifier = "installationFailed-" + std::to_string(m_flight.generation()),
-                                      .style = AlertStyle::warning,
-                                      .message = "Installation Failed",
-                                      .informativeText = message,
-                                      .buttons = { "OK" } },
+    m_dependencies.alerts.present(
+        { .identifier = "installationFailed-" + std::to_string(m_flight.generation()),
+            .style = AlertStyle::warning,
+            .message = m_flight.task() == FlightTask::install ? "Installation Failed" : "Removal Failed",
+            .informativeText = message,
+            .buttons = { "OK" } },
         [](AlertResponse) { });
 }
 

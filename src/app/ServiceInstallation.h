@@ -22,8 +22,8 @@ class SystemLog;
 [[nodiscard]] std::expected<InstallPaths, std::string> bundledInstallPaths(
     const std::filesystem::path& bundle, const std::filesystem::path& root, const FileStore& files);
 
-// The install of the blocking service, put together: its one flight, the alert when it fails, and what waits for its
-// end. Main thread only.
+// The install of the blocking service, and its removal by an administrator, put together: their one flight, the alert
+// when it fails, and what waits for its end. Main thread only.
 class ServiceInstallation {
 public:
     struct Dependencies {
@@ -47,6 +47,9 @@ public:
 
     // Begins an install, or joins the one under way; `onEnd` is called once when it has ended.
     void install(std::function<void()> onEnd);
+
+    // Has an administrator finish the removal, or joins the flight under way; `onEnd` is called once when it has ended.
+    void finishRemoval(const RemovalHandover& handover, std::function<void(InstallOutcome)> onEnd);
 
     // After `later` the termination is answered when the install has ended.
     [[nodiscard]] TerminationDecision shouldTerminate();

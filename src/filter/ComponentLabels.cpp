@@ -28,8 +28,15 @@ struct ServiceLine {
     }
     ComponentLine operator()(const DaemonHealth::Starting&) const
     {
-        return { install == InstallProgress::inFlight ? "Blocking Service: installing…" : "Blocking Service: starting…",
-            ComponentAction::none };
+        switch (install) {
+        case InstallProgress::inFlight:
+            return { "Blocking Service: installing…", ComponentAction::none };
+        case InstallProgress::removing:
+            return { "Blocking Service: removing…", ComponentAction::none };
+        case InstallProgress::idle:
+            break;
+        }
+        return { "Blocking Service: starting…", ComponentAction::none };
     }
     ComponentLine operator()(const DaemonHealth::Unreachable&) const { return restart(); }
 

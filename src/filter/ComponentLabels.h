@@ -20,7 +20,7 @@ struct FilterLineFacts {
 
 [[nodiscard]] ComponentLine filterLine(const FilterLineFacts& facts);
 
-enum class InstallProgress { idle, inFlight };
+enum class InstallProgress { idle, inFlight, removing }; // What an administrator was asked for, as long as it goes on.
 
 [[nodiscard]] ComponentLine serviceLine(const DaemonHealth::State& state, InstallProgress install);
 

@@ -9,20 +9,21 @@ namespace brevanta {
 
 namespace {
 
-std::string textFor(const AdministratorError& error)
+std::string textFor(const AdministratorError& error, FlightTask task)
 {
+    const bool installs = task == FlightTask::install;
     switch (error.kind) {
     case AdministratorError::Kind::unavailable:
         return "AppleScript is not available on this Mac.";
     case AdministratorError::Kind::notCompiled:
-        return "The install script could not be compiled.";
+        return installs ? "The install script could not be compiled." : "The removal script could not be compiled.";
     case AdministratorError::Kind::noResult:
-        return "The install script returned no result.";
+        return installs ? "The install script returned no result." : "The removal script returned no result.";
     case AdministratorError::Kind::scriptFailed:
     case AdministratorError::Kind::cancelled:
         break;
     }
-    return "Daemon installation failed: " + failureOfInstallScript(error.message);
+    return installs ? "Daemon installation failed: " + failureOfInstallScript(error.message) : error.message;
 }
 
 }
@@ -34,16 +35,35 @@ InstallFlight::InstallFlight(Dependencies dependencies)
 
 void InstallFlight::begin()
 {
-    if (m_inFlight)
+    if (start(FlightTask::install) == Start::underWay)
         return;
+    if (const auto paths = m_dependencies.paths())
+        run(installScript(*paths), installPrompt);
+    else
+        failed(paths.error());
+}
+
+void InstallFlight::beginRemoval(const std::string& script)
+{
+    if (start(FlightTask::removal) == Start::begun)
+        run(script, removalPrompt);
+}
+
+InstallFlight::Start InstallFlight::start(FlightTask task)
+{
+    if (m_inFlight)
+        return Start::underWay;
     m_inFlight = true;
-    const auto generation = ++m_generation;
+    m_task = task;
+    ++m_generation;
     m_dependencies.changed();
-    const auto paths = m_dependencies.paths();
-    if (!paths)
-        return failed(paths.error());
+    return Start::begun;
+}
+
+void InstallFlight::run(const std::string& script, std::string_view prompt)
+{
     m_dependencies.administrator.run(
-        installScript(*paths), std::string(installPrompt), m_life.guard([this, generation](const auto& answer) {
+        script, std::string(prompt), m_life.guard([this, generation = m_generation](const auto& answer) {
             if (m_inFlight && generation == m_generation)
                 answered(answer);
         }));
@@ -63,14 +83,16 @@ void InstallFlight::whenEnded(std::function<void(InstallOutcome)> waiter)
 void InstallFlight::answered(const std::expected<std::string, AdministratorError>& answer)
 {
     if (answer) {
-        m_dependencies.log.log("[DaemonInstall] the blocking service was installed");
-        return ended(InstallOutcome::installed);
+        const bool installs = m_task == FlightTask::install;
+        m_dependencies.log.log(
+            std::string("[DaemonInstall] the blocking service was ") + (installs ? "installed" : "removed"));
+        return ended(installs ? InstallOutcome::installed : InstallOutcome::removed);
     }
     const auto& error = answer.error();
     if (error.kind == AdministratorError::Kind::notCompiled)
-        return failed(textFor(error), error.message);
+        return failed(textFor(error, m_task), error.message);
     if (error.kind != AdministratorError::Kind::cancelled)
-        return failed(textFor(error));
+        return failed(textFor(error, m_task));
     m_dependencies.log.log("[DaemonInstall] administrator prompt cancelled by the user");
     ended(InstallOutcome::cancelled);
 }

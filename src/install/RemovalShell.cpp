@@ -7,6 +7,9 @@ namespace brevanta {
 
 namespace {
 
+// Seconds after the time by which the service wanted to be done.
+constexpr double patience = 30;
+
 const char* textOf(RemovalSnapshot::State state)
 {
     switch (state) {
@@ -84,6 +87,16 @@ void RemovalShell::accept(const RemovalSnapshot& snapshot)
 bool RemovalShell::isFinishing() const
 {
     return m_daemonReplied && m_snapshot.state == RemovalSnapshot::State::finishing;
+}
+
+std::optional<RemovalHandover> RemovalShell::overdue(double wallSeconds, ServiceProgram program) const
+{
+    if (!isFinishing() || program == ServiceProgram::absent || !m_snapshot.finishingBy
+        || wallSeconds - *m_snapshot.finishingBy < patience)
+        return std::nullopt;
+    return RemovalHandover {
+        .account = m_snapshot.account, .actionId = m_snapshot.actionId, .launch = m_snapshot.launch
+    };
 }
 
 std::string RemovalShell::stateText() const

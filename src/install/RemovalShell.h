@@ -2,6 +2,7 @@
 
 #include "base/Json.h"
 #include "daemon/RemovalSnapshot.h"
+#include "install/RemovalScript.h"
 #include "install/ServiceProgram.h"
 
 #include <cstdint>
@@ -38,6 +39,10 @@ public:
 
     // The state's name, with what kept the service from queuing a request: for the log. Empty while nothing is known.
     [[nodiscard]] std::string step() const;
+
+    // The removal that the service has begun, and does not end: it is finishing, half a minute has gone since it should
+    // have been done, and the program is there. `wallSeconds`: now, since 1970.
+    [[nodiscard]] std::optional<RemovalHandover> overdue(double wallSeconds, ServiceProgram program) const;
 
     // What the page is told: an object with "schema" 1. `filterRemovable`: whether the page may have the content filter
     // removed.

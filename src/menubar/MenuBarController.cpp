@@ -172,9 +172,9 @@ void MenuBarController::componentsChanged()
     m_dependencies.deviceSetup.componentsChanged();
 }
 
-void MenuBarController::showQuitHeld()
+void MenuBarController::showQuitHeld(QuitLine line)
 {
-    m_state.quit = QuitLine::held;
+    m_state.quit = line;
     refreshStatusItem();
 }
 

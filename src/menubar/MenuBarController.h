@@ -68,8 +68,8 @@ public:
     // The page has begun to lead the user through the set-up, or no longer does.
     void onboardingChanged() { m_upgradePrompt.update(); }
 
-    // The user has quit the application, which goes on until the install under way has ended.
-    void showQuitHeld();
+    // The user has quit the application, which goes on until the install or removal under way has ended.
+    void showQuitHeld(QuitLine line);
 
     [[nodiscard]] FilterSettingsGuide& settingsGuide() { return m_settingsGuide; }
     [[nodiscard]] FilterRequests& filterRequests() { return m_filterRequests; }

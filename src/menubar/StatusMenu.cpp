@@ -68,7 +68,15 @@ MenuItem separator() { return { .kind = MenuItemKind::separator, .title = {}, .k
 
 const char* quitTitle(QuitLine quit)
 {
-    return quit == QuitLine::held ? "Quitting after the install finishes…" : "Quit";
+    switch (quit) {
+    case QuitLine::held:
+        return "Quitting after the install finishes…";
+    case QuitLine::heldByRemoval:
+        return "Quitting after the removal finishes…";
+    case QuitLine::offered:
+        break;
+    }
+    return "Quit";
 }
 
 std::string blockingTitle(const StatusMenuState& state)

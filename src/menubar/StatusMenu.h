@@ -26,7 +26,7 @@ enum class MenuCommand : int {
 
 enum class ServiceContact { notAskedYet, answering, starting, unreachable };
 enum class Availability { absent, available };
-enum class QuitLine { offered, held }; // Held: the quit was chosen, and waits for an install to end.
+enum class QuitLine { offered, held, heldByRemoval }; // Held: the quit was chosen, and waits for an install to end.
 
 // Everything that the status item shows, in the client's own terms.
 struct StatusMenuState {

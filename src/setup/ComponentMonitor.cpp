@@ -2,7 +2,6 @@
 
 #include "daemon/BlockingStatus.h"
 #include "daemon/DaemonFailure.h"
-#include "filter/ComponentLabels.h"
 #include "platform/Clock.h"
 #include "platform/MainLoop.h"
 #include "platform/ServiceManager.h"
@@ -71,11 +70,7 @@ void ComponentMonitor::refresh()
         ProtectiveComponent::contentFilter, conclusiveReading(filterHealth(), m_service, m_upgradeHeld, now));
 }
 
-ComponentLine ComponentMonitor::serviceLine() const
-{
-    return brevanta::serviceLine(
-        serviceState(), m_service.installInFlight ? InstallProgress::inFlight : InstallProgress::idle);
-}
+ComponentLine ComponentMonitor::serviceLine() const { return brevanta::serviceLine(serviceState(), m_installProgress); }
 
 ComponentLine ComponentMonitor::filterLine() const
 {
@@ -127,8 +122,9 @@ void ComponentMonitor::serviceProgramMissing()
     refresh();
 }
 
-void ComponentMonitor::installBegan()
+void ComponentMonitor::installBegan(InstallProgress progress)
 {
+    m_installProgress = progress;
     const auto decision = upgradeDecision(); // As long as an install is under way there is none.
     m_upgradeHeld = decision && std::holds_alternative<DaemonUpgradePolicy::Upgrade>(*decision);
     m_service.installInFlight = true;
@@ -137,6 +133,7 @@ void ComponentMonitor::installBegan()
 
 void ComponentMonitor::installEnded(InstallOutcome outcome)
 {
+    m_installProgress = InstallProgress::idle;
     m_service.installInFlight = false;
     if (outcome == InstallOutcome::installed)
         m_service.graceStartedAt = m_dependencies.clock.continuousSeconds();

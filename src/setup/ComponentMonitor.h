@@ -3,7 +3,7 @@
 #include "base/Json.h"
 #include "base/LifeToken.h"
 #include "daemon/DaemonFailure.h"
-#include "filter/ComponentLine.h"
+#include "filter/ComponentLabels.h"
 #include "filter/DaemonHealth.h"
 #include "filter/FilterHealth.h"
 #include "filter/FilterHealthReport.h"
@@ -75,9 +75,10 @@ public:
     // The program file is not on this computer; counts until the system or a poll says more.
     void serviceProgramMissing();
 
-    // An install of the service has begun or ended. What it brings about is not taken for somebody else's doing: while
-    // it is under way, in the grace period after one that went well, and after an update until the new service answers.
-    void installBegan();
+    // An install of the service, or its removal by an administrator, has begun or ended. What it brings about is not
+    // taken for somebody else's doing: while it is under way, in the grace period after one that went well, and after
+    // an update until the new service answers.
+    void installBegan(InstallProgress progress = InstallProgress::inFlight);
     void installEnded(InstallOutcome outcome);
 
 private:
@@ -91,6 +92,7 @@ private:
 
     Dependencies m_dependencies;
     DaemonHealth m_service;
+    InstallProgress m_installProgress { InstallProgress::idle };
     FilterHealth m_storedFilter;
     FilterHealthReportSequence m_reports;
     OffNoticeTracker m_offNotices;

@@ -55,6 +55,7 @@ TEST(ComponentLabels, TheServicesLineOffersTheRemedyOfItsState)
         EXPECT_EQ(serviceLine(state, InstallProgress::idle), expected) << expected.title;
     EXPECT_EQ(serviceLine(Health::Starting {}, InstallProgress::inFlight),
         (ComponentLine { "Blocking Service: installing…", ComponentAction::none }));
+    EXPECT_EQ(serviceLine(Health::Starting {}, InstallProgress::removing).title, "Blocking Service: removing…");
 }
 
 }

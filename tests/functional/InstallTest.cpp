@@ -15,6 +15,7 @@ constexpr auto serviceIsCurrent = "✓ Blocking Service 0.121.0";
 constexpr auto restartService = "Restart Blocking Service…";
 constexpr auto installing = "Blocking Service: installing…";
 constexpr auto passwordDialog = "Administrator";
+constexpr auto offerToFinish = "Finish removing the blocking service";
 
 // Longer than a service takes from its end to the line that offers a restart.
 constexpr Milliseconds slowly { 40000 };
@@ -209,6 +210,27 @@ TEST_F(InstallTest, theServiceIsRemovedAtThePagesRequest)
     fs::remove(bench().client().root() / "var/db/com.brevanta.daemon.launches");
     install();
     EXPECT_TRUE(tellsRemoval("none")) << "a new service begins anew, and to count its launches too";
+}
+
+TEST_F(InstallTest, aRemovalThatHangsIsFinishedByAnAdministrator)
+{
+    install();
+    ASSERT_TRUE(showsPage());
+    listenFor("kestrelune_removal_state");
+    post("{ type: 'request_uninstall', account: '123' }");
+    ASSERT_TRUE(tellsRemoval("pending"));
+    EXPECT_EQ(lineCount("offering to finish it"), 0u);
+    commandService("removal hanging 31");
+    ASSERT_TRUE(tellsRemoval("finishing"));
+    ASSERT_TRUE(bench().display().awaitWindows(offerToFinish, 1, patience));
+    // Return is pressed wherever the keyboard is, after a letter that no button takes.
+    ASSERT_TRUE(bench().display().typeInto(bench().display().windowsTitled(offerToFinish).front(), "x"));
+    ASSERT_TRUE(showsLine("Blocking Service: removing…"));
+    givePassword();
+    ASSERT_TRUE(tellsRemoval("removed"));
+    EXPECT_TRUE(showsLine(installService, slowly));
+    expectRemoved();
+    EXPECT_TRUE(fs::exists(support("Brevanta/native-host"))) << "browsers must learn of it";
 }
 
 }

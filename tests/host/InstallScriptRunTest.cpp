@@ -1,11 +1,13 @@
 #include "functional/support/TemporaryDirectory.h"
 #include "install/InstallScript.h"
+#include "install/RemovalScript.h"
 #include "support/FileContents.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <random>
 #include <sys/wait.h>
 #include <vector>
@@ -39,7 +41,7 @@ constexpr const char* strange = "it's \"$HOME\" `id` $(id) \\n\n é *;& %s";
 constexpr const char* tell = "#!/bin/sh\n{ printf '%s' \"${0##*/}\"; printf ' %s' \"$@\"; echo; } >> \"$CALLS\"\n";
 constexpr const char* launchctl = R"(count=$(grep -c "^launchctl $1" "$CALLS")
 case $1 in
-bootout) exit 3 ;;
+bootout) eval "$AT_BOOTOUT"; exit 3 ;;
 print) [ "$count" -le "${STAYS:-0}" ] ;;
 bootstrap) [ "$count" -gt "${REFUSALS:-0}" ] || { echo "failed: $REFUSAL" >&2; exit "$REFUSAL"; } ;;
 esac
@@ -106,6 +108,7 @@ protected:
     const std::string m_program { "PrivilegedHelperTools/com.brevanta.daemon" };
     const std::string m_list { "LaunchDaemons/com.brevanta.daemon.plist" };
     const std::string m_lock { "Application Support/Kestrelune.removal.lock" };
+    const RemovalHandover m_handover { .account = "123", .actionId = 7, .launch = std::string(strange) + '\0' };
     const Library m_before { { m_program, "old" }, { m_list, "old list" }, { m_lock, "" } };
 };
 
@@ -239,6 +242,55 @@ TEST_F(InstallScriptRunTest, NothingIsDoneDuringARemoval)
     }
     for (const auto* call : { "launchctl ", "chown ", "xattr ", "sleep " })
         EXPECT_EQ(count(call), 0) << call;
+}
+
+TEST_F(InstallScriptRunTest, ARemovalIsHandedOverAndTakesAwayWhatAnInstallPlacesAndNothingElse)
+{
+    const auto seen = m_folder.path() / "seen";
+    write(m_paths.supportFolder() / "of the service", "");
+    write(m_root / "Library/Application Support/Brevanta/native-host", "kept");
+    const auto look = "cp -R " + shellQuoted((m_root / "Library/Application Support").string()) + " " + seen.string();
+    EXPECT_EQ(run(removalScript(m_paths, m_handover), "STAYS=2 AT_BOOTOUT=" + shellQuoted(look)), 0) << errors();
+
+    EXPECT_EQ(library(), (Library { { m_lock, "" }, { "Application Support/Brevanta/native-host", "kept" } }));
+    EXPECT_FALSE(std::filesystem::exists(m_paths.supportFolder()));
+    EXPECT_EQ(count("lockf -s -k -t 120 "), 1);
+    EXPECT_EQ(count("launchctl print "), 3);
+    EXPECT_EQ(count("launchctl bootstrap "), 0);
+
+    EXPECT_TRUE(std::filesystem::exists(seen / "Kestrelune.removing")) << "an install must see it all the time";
+    const nlohmann::json handover { { "account", "123" }, { "action_id", 7 }, { "launch", m_handover.launch } };
+    for (const auto* name : { "removal-handover.json", "removal-requested" })
+        EXPECT_EQ(nlohmann::json::parse(contentsOf(seen / "Kestrelune" / name)), handover) << name;
+    const std::filesystem::directory_iterator left(seen / "Kestrelune");
+    EXPECT_EQ(std::distance(begin(left), end(left)), 3) << "the temporary file stays behind";
+}
+
+TEST_F(InstallScriptRunTest, ARemovalThatCannotBeFinishedLeavesTheServiceWholeAndOnlyTheMarkerOfAnother)
+{
+    const std::string stays = "The blocking service did not stop in time. Try again in a minute.\n";
+    const std::string still = "Brevanta is still removing its blocking service from this Mac. Try again in a minute.\n";
+    const auto script = removalScript(m_paths, m_handover);
+    EXPECT_EQ(run(script, "WHILE_WAITING='exit 75'"), 75);
+    EXPECT_EQ(errors(), still);
+    EXPECT_EQ(library(), m_before);
+    write(m_paths.supportFolder(), "a file in its place");
+    EXPECT_NE(run(script), 0);
+    EXPECT_EQ(count("launchctl "), 0) << "nothing was handed over";
+    std::filesystem::remove(m_paths.supportFolder());
+    EXPECT_EQ(library(), m_before);
+
+    for (const bool isAnothers : { false, true }) {
+        if (isAnothers)
+            write(m_paths.removalMarker(), "");
+        EXPECT_EQ(run(script, "STAYS=1000"), 80);
+        EXPECT_EQ(errors(), stays);
+        EXPECT_EQ(std::filesystem::exists(m_paths.removalMarker()), isAnothers);
+        EXPECT_EQ(library()[m_program], "old");
+        EXPECT_EQ(library()[m_list], "old list");
+    }
+    EXPECT_EQ(run(script), 0) << "what another has begun is finished";
+    EXPECT_EQ(library(), (Library { { m_lock, "" } }));
 }
 
 TEST(InstallScriptQuoting, TenThousandRandomTextsArriveAtTheShellAsTheyAre)

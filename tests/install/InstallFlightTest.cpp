@@ -98,6 +98,17 @@ TEST_F(InstallFlightTest, TheUserIsToldOfEachFailureButNotOfACancelledPassword)
     }
     EXPECT_EQ(administrator.scripts.back(), installScript(inBundle));
     EXPECT_EQ(administrator.prompts.back(), installPrompt);
+
+    flight.beginRemoval("the script");
+    flight.begin();
+    administrator.answer(error(Kind::scriptFailed, "did not stop"));
+    EXPECT_EQ(failures.back(), "did not stop") << "nothing was installed";
+    flight.beginRemoval("the script");
+    awaitEnd("removal");
+    administrator.answer("");
+    EXPECT_EQ(ends.back(), std::pair(std::string("removal"), InstallOutcome::removed));
+    EXPECT_EQ(administrator.scripts.back(), "the script");
+    EXPECT_EQ(administrator.prompts.back(), removalPrompt);
 }
 
 TEST_F(InstallFlightTest, OneInstallRunsAtATimeAndEachWaiterHearsOfItsOwnOnce)

@@ -81,6 +81,37 @@ TEST(RemovalShell, ThePageHearsWhatTheServiceSaysAndWhatItsSilenceMeans)
     EXPECT_EQ(fails(Listener::none, gone), "unavailable") << "the new one has committed nothing";
 }
 
+TEST(RemovalShell, ARemovalIsOverdueHalfAMinuteAfterTheServicesOwnWordAndOnlyWhileItsProgramIsThere)
+{
+    struct Case {
+        State state;
+        std::optional<double> finishingBy;
+        double now;
+        ServiceProgram program;
+        bool isOverdue;
+    };
+    for (const auto& [state, finishingBy, now, program, isOverdue] : {
+             Case { State::finishing, 1000, 1030, ServiceProgram::present, true },
+             Case { State::finishing, 1000, 1029.9, ServiceProgram::present, false },
+             Case { State::finishing, 1000, 1030, ServiceProgram::absent, false },
+             Case { State::finishing, std::nullopt, 1030, ServiceProgram::present, false },
+             Case { State::committed, 1000, 1030, ServiceProgram::present, false },
+         }) {
+        RemovalShell shell;
+        EXPECT_EQ(shell.overdue(now, program), std::nullopt) << "the service has not said so";
+        auto field = record(state, "A", 1, 1);
+        field.snapshot->finishingBy = finishingBy;
+        field.snapshot->account = "42";
+        field.snapshot->actionId = 7;
+        (void)shell.statusArrived(field);
+        (void)shell.statusFailed(Listener::none, ServiceProgram::present);
+        const RemovalHandover expected { .account = "42", .actionId = 7, .launch = "A" };
+        EXPECT_EQ(shell.overdue(now, program), isOverdue ? std::optional(expected) : std::nullopt) << now;
+        (void)shell.serviceInstalled();
+        EXPECT_EQ(shell.overdue(now, program), std::nullopt) << "that was another service";
+    }
+}
+
 TEST(RemovalShell, TheStateHasItsKeysAndOnlyThem)
 {
     RemovalShell shell;

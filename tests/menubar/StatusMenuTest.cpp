@@ -132,6 +132,8 @@ TEST(StatusMenu, AHeldQuitIsTold)
     const auto& item = itemOf(content, MenuCommand::quit);
     EXPECT_EQ(item.title, "Quitting after the install finishes…");
     EXPECT_EQ(item.tag, 400);
+    state.quit = QuitLine::heldByRemoval;
+    EXPECT_EQ(itemOf(statusItemContent(state), MenuCommand::quit).title, "Quitting after the removal finishes…");
 }
 
 TEST(StatusMenu, ARestartIsOfferedOnlyAsTheRemedyAndALineWithAnActionCanBeChosen)
