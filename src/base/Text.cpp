@@ -47,6 +47,20 @@ std::string commaSeparated(std::span<const std::string> names)
     return text;
 }
 
+bool isBlank(std::string_view utf8)
+{
+    static constexpr auto spaces = std::to_array<std::string_view>({ "\t", "\n", "\v", "\f", "\r", " ", "\u0085",
+        "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007", "\u2008",
+        "\u2009", "\u200A", "\u2028", "\u2029", "\u202F", "\u205F", "\u3000" });
+    while (!utf8.empty()) {
+        const auto space = std::ranges::find_if(spaces, [utf8](auto candidate) { return utf8.starts_with(candidate); });
+        if (space == spaces.end())
+            return false;
+        utf8.remove_prefix(space->size());
+    }
+    return true;
+}
+
 std::size_t codePointCount(std::string_view utf8)
 {
     return static_cast<std::size_t>(

@@ -25,6 +25,10 @@ inline constexpr std::size_t maxLoggedBytes = 200;
 // "gain, loss"; empty for no names.
 [[nodiscard]] std::string commaSeparated(std::span<const std::string> names);
 
+// Whether the UTF-8 text has nothing but white space: the characters with the property White_Space of Unicode's
+// PropList.txt, a no-break and an ideographic space among them.
+[[nodiscard]] bool isBlank(std::string_view utf8);
+
 // How many Unicode code points the UTF-8 text has; each byte that starts none counts as nothing.
 [[nodiscard]] std::size_t codePointCount(std::string_view utf8);
 

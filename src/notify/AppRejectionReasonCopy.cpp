@@ -1,5 +1,7 @@
 #include "notify/AppRejectionReasonCopy.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -30,8 +32,6 @@ std::string prefixFor(PendingAppRejection::Kind kind)
     return kind == PendingAppRejection::Kind::rejectedOpen ? "macApp.notice.rejection.rejectedOpen."
                                                            : "macApp.notice.rejection.sessionEnded.";
 }
-
-bool isBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
 }
 

@@ -1,5 +1,6 @@
 #include "notify/FeedbackPresenter.h"
 
+#include "base/Text.h"
 #include "notify/AppRejectionReasonCopy.h"
 #include "notify/NoticeKeys.h"
 #include "notify/SeenIdentifiers.h"
@@ -11,8 +12,6 @@ namespace brevanta {
 namespace {
 
 constexpr auto seenKey = "macFeedback.seenEventIds";
-
-bool isBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
 }
 
@@ -51,7 +50,7 @@ FeedbackPresenter::Notification FeedbackPresenter::rejected(
 {
     const auto& copy = m_copy();
     const auto task = rejection.taskTitle.value_or("");
-    return { .identifier = "app-rejected-" + std::to_string(rejection.eventId),
+    return { .identifier = "app-rejected-" + rejection.eventId,
         .title = copy.text(AppRejectionReasonCopy::titleKey(rejection.kind)),
         .body = copy.text(AppRejectionReasonCopy::bodyKey(rejection), { { "task", task } }),
         .generation = generation };
@@ -61,10 +60,11 @@ FeedbackPresenter::Notification FeedbackPresenter::resumed(
     const PendingTaskResume& resume, std::int64_t generation) const
 {
     const auto& copy = m_copy();
-    const auto bodyKey = isBlank(resume.taskTitle) ? noticeKeys::taskResumedBody : noticeKeys::taskResumedBodyWithTask;
-    return { .identifier = "task-resumed-" + std::to_string(resume.eventId),
+    const auto task = resume.taskTitle.value_or("");
+    const auto bodyKey = isBlank(task) ? noticeKeys::taskResumedBody : noticeKeys::taskResumedBodyWithTask;
+    return { .identifier = "task-resumed-" + resume.eventId,
         .title = copy.text(noticeKeys::taskResumedTitle),
-        .body = copy.text(bodyKey, { { "task", resume.taskTitle } }),
+        .body = copy.text(bodyKey, { { "task", task } }),
         .generation = generation };
 }
 

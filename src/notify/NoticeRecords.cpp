@@ -1,5 +1,7 @@
 #include "notify/NoticeRecords.h"
 
+#include "base/Text.h"
+
 namespace brevanta {
 
 namespace {
@@ -35,6 +37,7 @@ public:
         return text ? std::optional<std::string>(*text) : std::nullopt;
     }
 
+    // Text or an integer; blank text names nothing.
     std::optional<std::string> optionalIdentifier(std::string_view key)
     {
         const auto value = member(key);
@@ -42,7 +45,15 @@ public:
             if (const auto integer = json::asInt64(*value))
                 return std::to_string(*integer);
         }
-        return optionalText(key);
+        auto text = optionalText(key);
+        return text && !isBlank(*text) ? std::move(text) : std::nullopt;
+    }
+
+    std::string identifier(std::string_view key)
+    {
+        auto identifier = optionalIdentifier(key);
+        m_whole = m_whole && identifier;
+        return std::move(identifier).value_or(std::string {});
     }
 
     template <typename Enum> Enum oneOf(std::string_view key, std::initializer_list<std::pair<const char*, Enum>> names)
@@ -92,7 +103,7 @@ std::optional<PendingReminder> PendingReminder::decode(json::Element element)
         .notificationTitle = reader.text("notification_title"),
         .body = reader.text("body"),
     };
-    if (record.notificationTitle.empty() || record.body.empty())
+    if (isBlank(record.notificationTitle) || isBlank(record.body))
         return std::nullopt;
     return ifWhole(reader, std::move(record));
 }
@@ -100,16 +111,18 @@ std::optional<PendingReminder> PendingReminder::decode(json::Element element)
 std::optional<PendingLocalAlert> PendingLocalAlert::decode(json::Element element)
 {
     RecordReader reader(element);
-    return ifWhole(reader,
-        PendingLocalAlert {
-            .alertId = reader.integer("alert_id"),
-            .kind = reader.text("kind"),
-            .notificationTitle = reader.text("notification_title"),
-            .body = reader.text("body"),
-            .soundPrefix = reader.text("sound_prefix"),
-            .expiresInSeconds = reader.number("expires_in_seconds"),
-            .open = reader.optionalTextOrNothing("open"),
-        });
+    PendingLocalAlert record {
+        .alertId = reader.integer("alert_id"),
+        .kind = reader.text("kind"),
+        .notificationTitle = reader.text("notification_title"),
+        .body = reader.text("body"),
+        .soundPrefix = reader.text("sound_prefix"),
+        .expiresInSeconds = reader.number("expires_in_seconds"),
+        .open = reader.optionalTextOrNothing("open"),
+    };
+    if (isBlank(record.notificationTitle) && isBlank(record.body))
+        return std::nullopt;
+    return ifWhole(reader, std::move(record));
 }
 
 std::optional<PendingAppRejection> PendingAppRejection::decode(json::Element element)
@@ -117,7 +130,7 @@ std::optional<PendingAppRejection> PendingAppRejection::decode(json::Element ele
     RecordReader reader(element);
     return ifWhole(reader,
         PendingAppRejection {
-            .eventId = reader.integer("event_id"),
+            .eventId = reader.identifier("event_id"),
             .taskId = reader.optionalIdentifier("task_id"),
             .taskTitle = reader.optionalText("task_title"),
             .closingSessionId = reader.optionalIdentifier("closing_session_id"),
@@ -132,9 +145,9 @@ std::optional<PendingTaskResume> PendingTaskResume::decode(json::Element element
     RecordReader reader(element);
     return ifWhole(reader,
         PendingTaskResume {
-            .eventId = reader.integer("event_id"),
+            .eventId = reader.identifier("event_id"),
             .taskId = reader.optionalIdentifier("task_id"),
-            .taskTitle = reader.text("task_title"),
+            .taskTitle = reader.optionalText("task_title"),
             .closingSessionId = reader.optionalIdentifier("closing_session_id"),
         });
 }

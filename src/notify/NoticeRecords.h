@@ -19,8 +19,8 @@ struct PendingReminder {
     std::string taskId;
     Kind kind { Kind::fire };
     std::string title;
-    std::string notificationTitle; // Never empty: such a record does not decode.
-    std::string body; // Never empty, likewise.
+    std::string notificationTitle; // Never blank: such a record does not decode.
+    std::string body; // Never blank, likewise.
 
     bool operator==(const PendingReminder&) const = default;
     [[nodiscard]] static std::optional<PendingReminder> decode(json::Element element);
@@ -29,7 +29,7 @@ struct PendingReminder {
 struct PendingLocalAlert {
     std::int64_t alertId { 0 };
     std::string kind;
-    std::string notificationTitle;
+    std::string notificationTitle; // At most one of the two is blank.
     std::string body;
     std::string soundPrefix;
     double expiresInSeconds { 0 }; // Counted from receipt.
@@ -42,8 +42,8 @@ struct PendingLocalAlert {
 struct PendingAppRejection {
     enum class Kind { rejectedOpen, sessionEnded };
 
-    std::int64_t eventId { 0 };
-    std::optional<std::string> taskId; // Text, or an integer in decimal.
+    std::string eventId; // This and the two below: text that is not blank, or an integer in decimal.
+    std::optional<std::string> taskId;
     std::optional<std::string> taskTitle;
     std::optional<std::string> closingSessionId;
     std::string reason;
@@ -54,9 +54,9 @@ struct PendingAppRejection {
 };
 
 struct PendingTaskResume {
-    std::int64_t eventId { 0 };
+    std::string eventId; // As in PendingAppRejection.
     std::optional<std::string> taskId;
-    std::string taskTitle;
+    std::optional<std::string> taskTitle;
     std::optional<std::string> closingSessionId;
 
     bool operator==(const PendingTaskResume&) const = default;

@@ -5,13 +5,14 @@
 
 #include <cstdint>
 #include <optional>
-#include <string_view>
+#include <string>
 #include <unordered_set>
 #include <vector>
 
 namespace brevanta {
 
-// The identifiers of the notices that were handled already, oldest first. A pure value.
+// The identifiers of the notices that were handled already, oldest first. Text that is no integer in decimal is
+// remembered by a hash of 64 bits. A pure value.
 class SeenIdentifiers {
 public:
     // More are forgotten, the oldest first.
@@ -21,13 +22,13 @@ public:
     explicit SeenIdentifiers(const std::optional<DefaultsValue>& stored);
 
     // The records that were not seen before, in their order; they count as seen from now on.
-    template <typename Record>
+    template <typename Record, typename Identifier>
     [[nodiscard]] std::vector<const Record*> takeFresh(
-        const std::vector<Record>& records, std::int64_t Record::* identifier)
+        const std::vector<Record>& records, Identifier Record::* identifier)
     {
         std::vector<const Record*> fresh;
         for (const auto& record : records) {
-            if (admit(record.*identifier))
+            if (admit(number(record.*identifier)))
                 fresh.push_back(&record);
         }
         return fresh;
@@ -37,6 +38,8 @@ public:
     [[nodiscard]] std::vector<std::int64_t> newest() const;
 
 private:
+    static std::int64_t number(std::int64_t identifier) { return identifier; }
+    static std::int64_t number(const std::string& identifier);
     bool admit(std::int64_t identifier);
 
     std::vector<std::int64_t> m_inOrder;

@@ -47,10 +47,11 @@ TEST(NoticeRecords, AReminderKeepsEveryFieldAndAllBitsOfItsIdentifier)
 TEST(NoticeRecords, ABadElementNeverCostsItsNeighbours)
 {
     const Json whole = reminder(2);
-    for (const auto& bad : { with(whole, "kind", "later"), with(whole, "body", ""),
-             with(whole, "notification_title", ""), with(whole, "event_id", "2"), with(whole, "event_id", 2.5),
-             with(whole, "event_id", true), without(whole, "task_id"), with(whole, "title", nullptr), Json(7),
-             Json("text"), Json(nullptr), Json::array({ whole }), Json::object() }) {
+    for (const auto& bad :
+        { with(whole, "kind", "later"), with(whole, "body", ""), with(whole, "notification_title", "\u00A0\u3000\t"),
+            with(whole, "event_id", "2"), with(whole, "event_id", 2.5), with(whole, "event_id", true),
+            without(whole, "task_id"), with(whole, "title", nullptr), Json(7), Json("text"), Json(nullptr),
+            Json::array({ whole }), Json::object() }) {
         const auto reminders = decodeAll<PendingReminder>(Json::array({ reminder(1), bad, reminder(3) }));
         ASSERT_EQ(reminders.size(), 2u) << bad;
         EXPECT_EQ(reminders[0].eventId, 1);
@@ -59,12 +60,13 @@ TEST(NoticeRecords, ABadElementNeverCostsItsNeighbours)
     EXPECT_TRUE(decodeAll<PendingReminder>(Json::array()).empty());
 }
 
-TEST(NoticeRecords, ALocalAlertsTargetIsKeptOnlyWhenItIsText)
+TEST(NoticeRecords, ALocalAlertNeedsATitleOrABodyAndATargetThatIsText)
 {
     const Json alert { { "alert_id", 9 }, { "kind", "timer" }, { "notification_title", "Done" }, { "body", "Over" },
         { "sound_prefix", "task-timer" }, { "expires_in_seconds", 1.5 }, { "open", "app" } };
-    const auto alerts = decodeAll<PendingLocalAlert>(
-        Json::array({ alert, with(alert, "open", 5), without(alert, "open"), without(alert, "sound_prefix") }));
+    const auto untitled = with(with(alert, "notification_title", "\u3000"), "open", 5);
+    const auto alerts = decodeAll<PendingLocalAlert>(Json::array({ alert, untitled,
+        without(with(alert, "body", ""), "open"), without(alert, "sound_prefix"), with(untitled, "body", " ") }));
     ASSERT_EQ(alerts.size(), 3u);
     EXPECT_EQ(alerts[0].open, "app");
     EXPECT_DOUBLE_EQ(alerts[0].expiresInSeconds, 1.5);
@@ -77,16 +79,18 @@ TEST(NoticeRecords, RejectionsAndResumesTakeIdentifiersAsTextOrInteger)
     const Json rejection { { "event_id", 4 }, { "task_id", 77 }, { "task_title", "Write" },
         { "closing_session_id", "s-1" }, { "reason", "daily_cap" }, { "kind", "session_ended" } };
     const auto rejections = decodeAll<PendingAppRejection>(Json::array({ rejection, with(rejection, "kind", "other"),
-        without(without(rejection, "task_id"), "task_title"), with(rejection, "task_id", Json::object()) }));
+        without(without(rejection, "task_id"), "task_title"), with(rejection, "task_id", Json::object()),
+        with(rejection, "event_id", "\u00A0"), without(rejection, "event_id"), with(rejection, "event_id", true) }));
     ASSERT_EQ(rejections.size(), 2u);
     EXPECT_EQ(rejections[0],
-        (PendingAppRejection { 4, "77", "Write", "s-1", "daily_cap", PendingAppRejection::Kind::sessionEnded }));
+        (PendingAppRejection { "4", "77", "Write", "s-1", "daily_cap", PendingAppRejection::Kind::sessionEnded }));
     EXPECT_FALSE(rejections[1].taskId);
 
-    const auto resumes = decodeAll<PendingTaskResume>(
-        Json::array({ { { "event_id", 5 }, { "task_title", "Read" } }, { { "event_id", 6 } } }));
-    ASSERT_EQ(resumes.size(), 1u);
-    EXPECT_EQ(resumes[0], (PendingTaskResume { 5, std::nullopt, "Read", std::nullopt }));
+    const auto resumes = decodeAll<PendingTaskResume>(Json::array({ { { "event_id", "e-5" }, { "task_title", "Read" } },
+        { { "event_id", 6 }, { "task_id", "" }, { "closing_session_id", 8 } } }));
+    EXPECT_EQ(resumes,
+        (std::vector<PendingTaskResume> {
+            { "e-5", std::nullopt, "Read", std::nullopt }, { "6", std::nullopt, std::nullopt, "8" } }));
 }
 
 }

@@ -36,7 +36,7 @@ PendingLocalAlert alert(std::int64_t alertId, const std::string& soundPrefix = "
 
 PendingAppRejection rejection(std::int64_t eventId, const std::string& reason = "daily_cap")
 {
-    return { .eventId = eventId,
+    return { .eventId = std::to_string(eventId),
         .taskId = std::nullopt,
         .taskTitle = "Games",
         .closingSessionId = std::nullopt,
@@ -46,7 +46,10 @@ PendingAppRejection rejection(std::int64_t eventId, const std::string& reason = 
 
 PendingTaskResume resume(std::int64_t eventId, const std::string& taskTitle = "Work")
 {
-    return { .eventId = eventId, .taskId = std::nullopt, .taskTitle = taskTitle, .closingSessionId = std::nullopt };
+    return { .eventId = std::to_string(eventId),
+        .taskId = std::nullopt,
+        .taskTitle = taskTitle,
+        .closingSessionId = std::nullopt };
 }
 
 const NoticeCopy& copy()
