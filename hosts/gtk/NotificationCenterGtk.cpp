@@ -52,14 +52,17 @@ void NotificationCenterGtk::add(const Notification& notification, OnEnd onEnd)
 
 void NotificationCenterGtk::getAuthorization(std::function<void(NotificationAuthorization)> onEnd)
 {
-    m_service.askCapabilities([onEnd = std::move(onEnd)](const auto& answer) {
-        onEnd(answer ? NotificationAuthorization::authorized : NotificationAuthorization::notDetermined);
-    });
+    requestAuthorization([onEnd = std::move(onEnd)](const auto& answer) { onEnd(answer.authorization); });
 }
 
-void NotificationCenterGtk::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+void NotificationCenterGtk::requestAuthorization(std::function<void(NotificationAuthorizationAnswer)> onEnd)
 {
-    getAuthorization(std::move(onEnd));
+    m_service.askCapabilities([onEnd = std::move(onEnd)](const auto& answer) {
+        if (answer)
+            onEnd({ .authorization = NotificationAuthorization::authorized });
+        else
+            onEnd({ .authorization = NotificationAuthorization::notDetermined, .error = answer.error().message });
+    });
 }
 
 void NotificationCenterGtk::removeDelivered(const std::vector<std::string>& identifiers)

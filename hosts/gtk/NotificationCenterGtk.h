@@ -34,7 +34,7 @@ public:
     // Desktops ask nobody: authorized when a notification service answers, which the bus may start for it, and
     // notDetermined when none does within five seconds.
     void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
-    void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
+    void requestAuthorization(std::function<void(NotificationAuthorizationAnswer)> onEnd) override;
 
     void removeDelivered(const std::vector<std::string>& identifiers) override;
 

@@ -32,7 +32,7 @@ public:
     void add(
         const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd) override;
     void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
-    void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
+    void requestAuthorization(std::function<void(NotificationAuthorizationAnswer)> onEnd) override;
     void removeDelivered(const std::vector<std::string>& identifiers) override;
     void setResponseHandler(std::function<void(const NotificationResponse&)> handler) override;
 
@@ -51,6 +51,7 @@ private:
     std::shared_ptr<Inbox> m_inbox { std::make_shared<Inbox>() };
     CompletionTable<Outcome> m_additions;
     CompletionTable<NotificationAuthorization> m_authorizations;
+    CompletionTable<NotificationAuthorizationAnswer> m_requests;
     UNUserNotificationCenter* _Nullable m_center;
     BrevantaNotificationDelegate* m_delegate; // The center holds its delegate weakly.
 };

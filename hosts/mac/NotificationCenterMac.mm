@@ -51,6 +51,8 @@ namespace brevanta {
 
 namespace {
 
+constexpr auto noBundle = "the process has no application bundle";
+
 // currentNotificationCenter raises an exception in a process that is no bundled application.
 UNUserNotificationCenter* _Nullable availableCenter()
 {
@@ -110,6 +112,7 @@ NotificationCenterMac::NotificationCenterMac(MainLoop& mainLoop)
     : m_mainLoop(mainLoop)
     , m_additions(mainLoop)
     , m_authorizations(mainLoop)
+    , m_requests(mainLoop)
     , m_center(availableCenter())
     , m_delegate([[BrevantaNotificationDelegate alloc] init])
 {
@@ -128,7 +131,7 @@ void NotificationCenterMac::add(
 {
     const auto finish = m_additions.expect(std::move(onEnd));
     if (!m_center) {
-        finish(std::unexpected(NotificationError { "the process has no application bundle" }));
+        finish(std::unexpected(NotificationError { noBundle }));
         return;
     }
     [m_center addNotificationRequest:requestFor(notification)
@@ -149,17 +152,22 @@ void NotificationCenterMac::getAuthorization(std::function<void(NotificationAuth
         finish(NotificationAuthorization::denied);
 }
 
-void NotificationCenterMac::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+void NotificationCenterMac::requestAuthorization(std::function<void(NotificationAuthorizationAnswer)> onEnd)
 {
-    const auto finish = m_authorizations.expect(std::move(onEnd));
+    const auto finish = m_requests.expect(std::move(onEnd));
     UNUserNotificationCenter* const center = m_center;
     if (!center) {
-        finish(NotificationAuthorization::denied);
+        finish({ .authorization = NotificationAuthorization::denied, .error = noBundle });
         return;
     }
     // The settings and not the answer: they tell a provisional permission from a full one.
     [center requestAuthorizationWithOptions:UNAuthorizationOptionAlert | UNAuthorizationOptionSound
-                          completionHandler:^(BOOL, NSError*) { readAuthorization(center, finish); }];
+                          completionHandler:^(BOOL, NSError* error) {
+                              const std::string reason = utf8FromString(error.localizedDescription);
+                              readAuthorization(center, [finish, reason](NotificationAuthorization authorization) {
+                                  finish({ .authorization = authorization, .error = reason });
+                              });
+                          }];
 }
 
 void NotificationCenterMac::removeDelivered(const std::vector<std::string>& identifiers)

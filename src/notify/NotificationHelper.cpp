@@ -16,13 +16,14 @@ std::string describe(const PostError& error, const std::string& identifier)
     case PostError::Kind::failed:
         break;
     case PostError::Kind::denied:
-        return dropped + "notifications are not allowed";
+        return "[NotificationHelper] notifications are not allowed"
+            + (error.message.empty() ? "" : ": " + error.message);
     case PostError::Kind::unanswered:
         return dropped + "no answer in time whether notifications are allowed";
     case PostError::Kind::late:
         return dropped + "its deadline has passed";
     case PostError::Kind::unwanted:
-        return dropped + "the user has changed";
+        return dropped + "somebody has signed in or out since";
     }
     return "[NotificationHelper] add failed: " + error.message;
 }
@@ -44,11 +45,16 @@ void NotificationHelper::post(const std::string& title, const std::string& body,
         .body = body,
         .sound = gesture ? std::optional(soundFileName(*gesture)) : std::nullopt,
         .userInfo = std::move(userInfo) };
-    // The log outlives the center, so the answer may come after this object has gone.
-    m_center.post(std::move(notification), std::move(limits), [&log = m_log, identifier](const auto& result) {
-        if (!result)
-            log.log(describe(result.error(), identifier));
-    });
+    m_center.post(std::move(notification), std::move(limits),
+        m_life.guard([this, identifier](const auto& result) { postEnded(identifier, result); }));
+}
+
+void NotificationHelper::postEnded(const std::string& identifier, const std::expected<void, PostError>& result)
+{
+    if (result)
+        m_denialIsLogged = false;
+    else if (result.error().kind != PostError::Kind::denied || !std::exchange(m_denialIsLogged, true))
+        m_log.log(describe(result.error(), identifier));
 }
 
 }

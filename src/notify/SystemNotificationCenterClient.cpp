@@ -2,6 +2,7 @@
 
 #include "platform/MainLoop.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace brevanta {
@@ -35,23 +36,36 @@ void SystemNotificationCenterClient::post(Notification notification, PostLimits 
     if (m_isAllowed)
         return addOrDrop(post);
     m_pendingPosts.push_back(std::move(post));
-    watchPending();
     // An answer of before may be outdated: the user can allow notifications in the system's settings at any time.
-    if (m_authorizationRequest == AuthorizationRequest::none)
-        requestAuthorization([](NotificationAuthorization) { });
+    ask();
+    watchPending();
 }
 
 void SystemNotificationCenterClient::getAuthorization(OnAuthorization onEnd)
 {
-    m_center.getAuthorization(m_life.guard(std::move(onEnd)));
+    m_center.getAuthorization(m_life.guard([this, onEnd = std::move(onEnd)](NotificationAuthorization authorization) {
+        // The user may decide in the system's settings, whatever becomes of the request.
+        m_isAllowed = allows(authorization);
+        if (m_isAllowed)
+            authorizationAnswered({ .authorization = authorization });
+        onEnd(authorization);
+    }));
 }
 
 void SystemNotificationCenterClient::requestAuthorization(OnAuthorization onEnd)
 {
     m_authorizationAwaiters.push_back(std::move(onEnd));
-    if (std::exchange(m_authorizationRequest, AuthorizationRequest::underWay) == AuthorizationRequest::none)
-        m_center.requestAuthorization(
-            m_life.guard([this](NotificationAuthorization authorization) { authorizationAnswered(authorization); }));
+    ask();
+}
+
+void SystemNotificationCenterClient::ask()
+{
+    const auto now = m_monotonicNow();
+    if (m_authorizationRequest && now < *m_authorizationRequest + longestWait)
+        return;
+    m_authorizationRequest = now;
+    m_center.requestAuthorization(
+        m_life.guard([this](const NotificationAuthorizationAnswer& answer) { authorizationAnswered(answer); }));
 }
 
 void SystemNotificationCenterClient::setClient(std::function<void(const NotificationResponse&)> client)
@@ -69,28 +83,28 @@ void SystemNotificationCenterClient::addOrDrop(const PendingPost& post)
         return onEnd(std::unexpected(PostError { PostError::Kind::late }));
     if (limits.stillWanted && !limits.stillWanted())
         return onEnd(std::unexpected(PostError { PostError::Kind::unwanted }));
-    m_center.add(notification, m_life.guard([onEnd](const std::expected<void, NotificationError>& result) {
+    m_center.add(notification, m_life.guard([this, onEnd](const std::expected<void, NotificationError>& result) {
         if (result)
-            onEnd({});
-        else
-            onEnd(std::unexpected(PostError { PostError::Kind::failed, result.error().message }));
+            return onEnd({});
+        m_isAllowed = false; // The next one asks: the user may have taken the permission away.
+        onEnd(std::unexpected(PostError { PostError::Kind::failed, result.error().message }));
     }));
 }
 
-void SystemNotificationCenterClient::authorizationAnswered(NotificationAuthorization authorization)
+void SystemNotificationCenterClient::authorizationAnswered(const NotificationAuthorizationAnswer& answer)
 {
-    m_authorizationRequest = AuthorizationRequest::none;
-    m_isAllowed = allows(authorization);
+    m_authorizationRequest.reset();
+    m_isAllowed = allows(answer.authorization);
     dropOverdue(); // The machine may have slept past the timer.
     m_pendingTimer.reset();
     for (const auto& post : std::exchange(m_pendingPosts, {})) {
         if (m_isAllowed)
             addOrDrop(post);
         else
-            post.onEnd(std::unexpected(PostError { PostError::Kind::denied }));
+            post.onEnd(std::unexpected(PostError { PostError::Kind::denied, answer.error }));
     }
     for (const auto& awaiter : std::exchange(m_authorizationAwaiters, {}))
-        awaiter(authorization);
+        awaiter(answer.authorization);
 }
 
 void SystemNotificationCenterClient::dropOverdue()
@@ -106,10 +120,12 @@ void SystemNotificationCenterClient::watchPending()
 {
     if (m_pendingTimer || m_pendingPosts.empty())
         return;
-    const auto seconds = m_pendingPosts.front().waitsUntil - m_monotonicNow();
-    m_pendingTimer = m_mainLoop.startTimer(seconds, TimerRepeat::once, [this] {
+    const auto next = std::min(m_pendingPosts.front().waitsUntil, *m_authorizationRequest + longestWait);
+    m_pendingTimer = m_mainLoop.startTimer(next - m_monotonicNow(), TimerRepeat::once, [this] {
         m_pendingTimer.reset();
         dropOverdue();
+        if (!m_pendingPosts.empty())
+            ask();
         watchPending();
     });
 }

@@ -32,7 +32,7 @@ struct PostError {
     };
 
     Kind kind { Kind::failed };
-    std::string message {}; // The system's own words, for `failed` only.
+    std::string message {}; // The system's own words, for `failed`, and perhaps for `denied`.
 
     bool operator==(const PostError&) const = default;
 };
@@ -44,7 +44,8 @@ public:
     using OnPosted = std::function<void(std::expected<void, PostError>)>;
     using OnAuthorization = std::function<void(NotificationAuthorization)>;
 
-    // How long a notification waits for the answer. A later one would tell of what is long past.
+    // How long a notification waits for the answer, since a later one would tell of what is long past, and for how long
+    // a request that is not answered keeps another one from being made.
     static constexpr double longestWait = 120;
 
     // `monotonicNow` gives continuous seconds.
@@ -55,8 +56,9 @@ public:
     SystemNotificationCenterClient& operator=(const SystemNotificationCenterClient&) = delete;
 
     // Posts at once when notifications are known to be allowed. Otherwise the permission is asked for and the post
-    // waits: those that wait are posted in their order when it is given, and end with an error when it is not, or after
-    // `longestWait`. `onEnd` is called once, perhaps from inside this call, unless this object is destroyed first.
+    // waits: those that wait are posted in their order when it is given, or read as given, and end with an error when
+    // it is not given, or after `longestWait`. `onEnd` is called once, perhaps from inside this call, unless this
+    // object is destroyed first.
     void post(Notification notification, PostLimits limits, OnPosted onEnd);
 
     // As in NotificationCenter; a request that finds another one under way gets its answer.
@@ -67,7 +69,6 @@ public:
     void setClient(std::function<void(const NotificationResponse&)> client);
 
 private:
-    enum class AuthorizationRequest { none, underWay };
     struct PendingPost {
         Notification notification;
         PostLimits limits;
@@ -76,7 +77,8 @@ private:
     };
 
     void addOrDrop(const PendingPost& post);
-    void authorizationAnswered(NotificationAuthorization authorization);
+    void ask();
+    void authorizationAnswered(const NotificationAuthorizationAnswer& answer);
     void dropOverdue();
     void watchPending();
 
@@ -84,7 +86,7 @@ private:
     MainLoop& m_mainLoop;
     std::function<void(const NotificationResponse&)> m_client;
     std::function<double()> m_monotonicNow;
-    AuthorizationRequest m_authorizationRequest { AuthorizationRequest::none };
+    std::optional<double> m_authorizationRequest; // When the one under way was made, in continuous seconds.
     bool m_isAllowed { false }; // As of the last answer.
     std::deque<PendingPost> m_pendingPosts; // The one that has waited longest comes first.
     std::unique_ptr<Timer> m_pendingTimer; // Runs while a post waits.

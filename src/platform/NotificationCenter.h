@@ -39,6 +39,13 @@ struct NotificationError {
 // Whether the user lets the application notify.
 enum class NotificationAuthorization { notDetermined, denied, authorized, provisional };
 
+struct NotificationAuthorizationAnswer {
+    NotificationAuthorization authorization { NotificationAuthorization::notDetermined };
+    std::string error {}; // In the system's words; empty when it gives no reason.
+
+    bool operator==(const NotificationAuthorizationAnswer&) const = default;
+};
+
 // The system's notifications. Main thread only.
 class NotificationCenter {
 public:
@@ -50,10 +57,11 @@ public:
         const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd)
         = 0;
 
-    // Both answer exactly once on the main thread, after the call has returned, unless the center is destroyed first.
+    // Both answer once on the main thread, after the call has returned, unless the center is destroyed first. A system
+    // may also leave the second one without an answer.
     // The second asks the user, once in the life of an installation; later calls answer what was decided.
     virtual void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) = 0;
-    virtual void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) = 0;
+    virtual void requestAuthorization(std::function<void(NotificationAuthorizationAnswer)> onEnd) = 0;
 
     // Takes delivered notifications off the screen and out of the list; unknown identifiers are ignored.
     virtual void removeDelivered(const std::vector<std::string>& identifiers) = 0;

@@ -227,21 +227,28 @@ void FakeNotificationCenter::getAuthorization(std::function<void(NotificationAut
     m_mainLoop.post([onEnd = std::move(onEnd), answer = authorization] { onEnd(answer); });
 }
 
-void FakeNotificationCenter::requestAuthorization(std::function<void(NotificationAuthorization)> onEnd)
+void FakeNotificationCenter::requestAuthorization(std::function<void(NotificationAuthorizationAnswer)> onEnd)
 {
     ++requests;
     if (holdsRequests)
         return m_held.push_back(std::move(onEnd));
     if (authorization == NotificationAuthorization::notDetermined)
         authorization = answerOfUser;
-    getAuthorization(std::move(onEnd));
+    answer(std::move(onEnd));
 }
 
-void FakeNotificationCenter::answerHeldRequests(NotificationAuthorization answer)
+void FakeNotificationCenter::answer(std::function<void(NotificationAuthorizationAnswer)> onEnd)
 {
-    authorization = answer;
+    m_mainLoop.post([onEnd = std::move(onEnd), answer = NotificationAuthorizationAnswer { authorization, reason }] {
+        onEnd(answer);
+    });
+}
+
+void FakeNotificationCenter::answerHeldRequests(NotificationAuthorization decision)
+{
+    authorization = decision;
     for (auto& onEnd : std::exchange(m_held, {}))
-        getAuthorization(std::move(onEnd));
+        answer(std::move(onEnd));
 }
 
 void FakeNotificationCenter::setResponseHandler(std::function<void(const NotificationResponse&)> handler)

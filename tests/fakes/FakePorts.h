@@ -199,7 +199,7 @@ public:
     void add(
         const Notification& notification, std::function<void(std::expected<void, NotificationError>)> onEnd) override;
     void getAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
-    void requestAuthorization(std::function<void(NotificationAuthorization)> onEnd) override;
+    void requestAuthorization(std::function<void(NotificationAuthorizationAnswer)> onEnd) override;
     void removeDelivered(const std::vector<std::string>& identifiers) override;
     void setResponseHandler(std::function<void(const NotificationResponse&)> handler) override;
 
@@ -207,21 +207,23 @@ public:
     void click(const NotificationResponse& response);
 
     // What was asked while `holdsRequests` is answered as the user decides now.
-    void answerHeldRequests(NotificationAuthorization answer);
+    void answerHeldRequests(NotificationAuthorization decision);
 
     bool holdsRequests { false };
     int requests { 0 };
     NotificationAuthorization authorization { NotificationAuthorization::notDetermined };
     NotificationAuthorization answerOfUser { NotificationAuthorization::authorized }; // When first asked.
+    std::string reason; // The system's, with each answer to a request.
     std::vector<Notification> added;
     std::vector<std::string> removed;
     std::optional<NotificationError> failure; // What every add ends with.
 
 private:
+    void answer(std::function<void(NotificationAuthorizationAnswer)> onEnd);
     void tellResponses();
 
     Executor& m_mainLoop;
-    std::vector<std::function<void(NotificationAuthorization)>> m_held;
+    std::vector<std::function<void(NotificationAuthorizationAnswer)>> m_held;
     std::function<void(const NotificationResponse&)> m_responseHandler;
     std::vector<NotificationResponse> m_responses; // That nobody was told of yet.
 };

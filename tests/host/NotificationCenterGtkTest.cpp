@@ -358,14 +358,18 @@ TEST_F(NotificationCenterGtkTest, IsAuthorizedAsLongAsAServiceAnswers)
         return came && answers == expected;
     };
     using enum NotificationAuthorization;
+    const auto recordAnswer = [&](const NotificationAuthorizationAnswer& answer) {
+        EXPECT_EQ(answer.error.empty(), answer.authorization == authorized) << answer.error;
+        record(answer.authorization);
+    };
     m_center.getAuthorization(record);
-    m_center.requestAuthorization(record);
+    m_center.requestAuthorization(recordAnswer);
     EXPECT_TRUE(answers.empty()) << "never from inside the call";
     EXPECT_TRUE(answersAre({ authorized, authorized }));
 
     m_service.reset();
     hearTheBus();
-    m_center.requestAuthorization(record);
+    m_center.requestAuthorization(recordAnswer);
     m_center.getAuthorization(record);
     EXPECT_TRUE(serveUntil([&] { return answers.size() == 4; }));
     startService();
@@ -374,7 +378,7 @@ TEST_F(NotificationCenterGtkTest, IsAuthorizedAsLongAsAServiceAnswers)
     {
         NotificationCenterGtk shortLived(m_connection.get(), { "Brevanta", "", "" }, {});
         shortLived.getAuthorization(record);
-        shortLived.requestAuthorization(record);
+        shortLived.requestAuthorization(recordAnswer);
     }
     settle();
     EXPECT_EQ(answers.size(), 5U) << "a centre that has gone answers nothing";

@@ -82,17 +82,27 @@ TEST_F(NotificationHelperTest, PostsWaitForTheAnswerAndFollowInOrder)
 TEST_F(NotificationHelperTest, WhatIsNotAllowedIsDroppedAndTheNextOneAsksAgain)
 {
     center.answerOfUser = NotificationAuthorization::denied;
+    center.reason = "no banners here";
     post("a");
     post("b");
     mainLoop.runPosted();
-    EXPECT_EQ(log.lines,
-        (Names {
-            droppedPrefix + "a: notifications are not allowed", droppedPrefix + "b: notifications are not allowed" }));
-    center.authorization = NotificationAuthorization::authorized; // In the system's settings.
     post("c");
     mainLoop.runPosted();
-    EXPECT_EQ(added(), Names { "c" });
-    EXPECT_EQ(center.requests, 2);
+    const std::string denied = "[NotificationHelper] notifications are not allowed";
+    EXPECT_EQ(log.lines, Names { denied + ": no banners here" }) << "once";
+    center.authorization = NotificationAuthorization::authorized; // In the system's settings.
+    post("d");
+    mainLoop.runPosted();
+    EXPECT_EQ(added(), Names { "d" });
+    EXPECT_EQ(center.requests, 3);
+    center.failure = NotificationError { "no room" };
+    center.authorization = NotificationAuthorization::denied;
+    center.reason.clear();
+    post("e");
+    mainLoop.runPosted();
+    post("f");
+    mainLoop.runPosted();
+    EXPECT_EQ(log.lines, (Names { denied + ": no banners here", "[NotificationHelper] add failed: no room", denied }));
 }
 
 TEST_F(NotificationHelperTest, NobodyWaitsForAnAnswerForever)
@@ -104,15 +114,18 @@ TEST_F(NotificationHelperTest, NobodyWaitsForAnAnswerForever)
     mainLoop.advance(SystemNotificationCenterClient::longestWait - 4);
     const auto unanswered = ": no answer in time whether notifications are allowed";
     EXPECT_EQ(log.lines, Names { droppedPrefix + "a" + unanswered });
+    EXPECT_EQ(center.requests, 2) << "the other one is not to wait for an answer that never comes";
     mainLoop.advance(3.9);
     EXPECT_EQ(log.lines.size(), 1U);
     mainLoop.advance(0.1);
     EXPECT_EQ(log.lines.back(), droppedPrefix + "b" + unanswered);
+    mainLoop.advance(SystemNotificationCenterClient::longestWait);
+    center.holdsRequests = false;
     post("c");
-    EXPECT_EQ(center.requests, 1) << "the question is still on the screen";
-    center.answerHeldRequests(NotificationAuthorization::authorized);
     mainLoop.runPosted();
     EXPECT_EQ(added(), Names { "c" });
+    EXPECT_EQ(center.requests, 3);
+    EXPECT_EQ(mainLoop.timerCount(), 0U);
 }
 
 TEST_F(NotificationHelperTest, AnAnswerAfterASleepFindsNothingToPost)
@@ -140,19 +153,12 @@ TEST_F(NotificationHelperTest, ALateOrUnwantedPostIsDroppedAtTheMomentOfPosting)
     mainLoop.runPosted();
     EXPECT_EQ(added(), Names { "in-time" });
     EXPECT_EQ(log.lines,
-        (Names { droppedPrefix + "late: its deadline has passed", droppedPrefix + "unwanted: the user has changed" }));
+        (Names { droppedPrefix + "late: its deadline has passed",
+            droppedPrefix + "unwanted: somebody has signed in or out since" }));
     post("expired", { .deadline = clock.continuousSeconds() - 0.001 });
     EXPECT_EQ(log.lines.back(), droppedPrefix + "expired: its deadline has passed");
     post("just", { .deadline = clock.continuousSeconds() });
     EXPECT_EQ(added().back(), "just");
-}
-
-TEST_F(NotificationHelperTest, AFailureIsLoggedWithTheSystemsWords)
-{
-    center.failure = NotificationError { "no room" };
-    post("a");
-    mainLoop.runPosted();
-    EXPECT_EQ(log.lines, Names { "[NotificationHelper] add failed: no room" });
 }
 
 TEST_F(NotificationHelperTest, AllWhoAskShareOneRequestAndItsAnswer)
@@ -170,9 +176,17 @@ TEST_F(NotificationHelperTest, AllWhoAskShareOneRequestAndItsAnswer)
     EXPECT_EQ(added(), Names { "a" });
     client.requestAuthorization(record);
     EXPECT_EQ(center.requests, 2) << "the user may have decided otherwise since";
+    center.authorization = NotificationAuthorization::denied;
     client.getAuthorization(record);
     mainLoop.runPosted();
     EXPECT_EQ(answers.size(), 3U) << "the second question is still open";
+    post("b");
+    EXPECT_EQ(added(), Names { "a" });
+    center.authorization = NotificationAuthorization::authorized;
+    client.getAuthorization([](auto) { });
+    mainLoop.runPosted();
+    EXPECT_EQ(added(), (Names { "a", "b" })) << "allowed in the settings, whatever becomes of the question";
+    EXPECT_EQ(answers.size(), 4U);
 }
 
 TEST_F(NotificationHelperTest, AClickIsToldAlsoWhenItCameBeforeThereWasAClient)
