@@ -51,6 +51,12 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
                          .files = files,
                          .loginItem = loginItem,
                          .sharedContainer = [home] { return sharedContainer(home); },
+                         // Desktops ask nobody, so there is nothing that a user could have denied.
+                         .getNotificationAuthorization =
+                             [&mainLoop](auto onEnd) {
+                                 mainLoop.post(
+                                     [onEnd = std::move(onEnd)] { onEnd(NotificationAuthorization::authorized); });
+                             },
                          .parseUrl = parseUrl,
                          .location = [&configuration] { return location(configuration); },
                          .resources = contents / "Resources",

@@ -8,6 +8,7 @@
 #include "mac/FilterSystemMac.h"
 #include "mac/LoginItemMac.h"
 #include "mac/MainLoopMac.h"
+#include "mac/NotificationCenterMac.h"
 #include "mac/ServiceManagerMac.h"
 #include "mac/TextMac.h"
 #include "mac/UrlMac.h"
@@ -32,6 +33,7 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
     FilterSystemMac filterSystem(mainLoop);
     FileStorePosix files;
     LoginItemMac loginItem(mainLoop);
+    NotificationCenterMac notifications(mainLoop);
     SerialQueue daemonQueue(queueThread("com.brevanta.daemon-client"));
     int exitStatus = EXIT_FAILURE;
     DiagnosisRun run(
@@ -46,6 +48,8 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
             .files = files,
             .loginItem = loginItem,
             .sharedContainer = sharedContainer,
+            .getNotificationAuthorization
+            = [&notifications](auto onEnd) { notifications.getAuthorization(std::move(onEnd)); },
             .parseUrl = [](const std::string& text) { return urlFrom(absoluteUrlFromText(stringFromUtf8(text))); },
             .location = locationOfMainBundle,
             .resources = utf8FromString(NSBundle.mainBundle.resourcePath),

@@ -233,6 +233,25 @@ Finding sounds(const DiagnosisFacts& facts)
     return good("sounds", "Notification sounds", "in place");
 }
 
+// Whether to be told is the user's choice.
+Finding notifications(const DiagnosisFacts& facts)
+{
+    constexpr auto key = "notifications";
+    constexpr auto title = "Notifications";
+    if (!facts.notifications)
+        return notice(key, title, "unknown");
+    switch (*facts.notifications) {
+    case NotificationAuthorization::authorized:
+    case NotificationAuthorization::provisional:
+        return good(key, title, "allowed");
+    case NotificationAuthorization::notDetermined:
+        return notice(key, title, "not decided: macOS has not asked yet, or its question is still open");
+    case NotificationAuthorization::denied:
+        break;
+    }
+    return notice(key, title, "not allowed: no notice is shown until they are turned on in System Settings");
+}
+
 Finding updates(const DiagnosisFacts& facts)
 {
     const auto& updates = facts.updates;
@@ -282,6 +301,7 @@ Diagnosis diagnose(const DiagnosisFacts& facts)
         sharedState(facts) };
     addNativeMessaging(findings, facts);
     findings.push_back(sounds(facts));
+    findings.push_back(notifications(facts));
     findings.push_back(updates(facts));
     findings.push_back(facts.reportsCrashes ? good("crashReports", "Crash reports", "are sent")
                                             : notice("crashReports", "Crash reports", "this build sends none"));

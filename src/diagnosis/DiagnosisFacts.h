@@ -9,6 +9,7 @@
 #include "nativehost/NativeMessagingRegistration.h"
 #include "notify/NotificationSounds.h"
 #include "platform/LoginItem.h"
+#include "platform/NotificationCenter.h"
 #include "platform/ServiceManager.h"
 
 #include <expected>
@@ -64,6 +65,7 @@ struct DiagnosisFacts {
     NativeMessagingState nativeMessaging;
     std::vector<std::string> confinedBrowsers;
     std::vector<SoundState> sounds;
+    std::optional<NotificationAuthorization> notifications; // Nothing when the system did not say.
     Updates updates;
     bool reportsCrashes { false };
     std::optional<LoginItemStatus> loginItem; // Nothing when the system did not say.

@@ -25,7 +25,7 @@ DiagnosisRun::DiagnosisRun(DiagnosisPorts ports, BuildConfiguration configuratio
     , m_configuration(std::move(configuration))
     , m_onEnd(std::move(onEnd))
     , m_open { Question::status, Question::backgroundItem, Question::preferences, Question::properties,
-        Question::loginItem }
+        Question::loginItem, Question::notifications }
 {
     m_service.bundledVersion = m_configuration.version;
 }
@@ -45,6 +45,10 @@ void DiagnosisRun::start()
     m_ports.loginItem.readStatus(m_life.guard([this](LoginItemStatus status) {
         m_facts.loginItem = status;
         answered(Question::loginItem);
+    }));
+    m_ports.getNotificationAuthorization(m_life.guard([this](NotificationAuthorization authorization) {
+        m_facts.notifications = authorization;
+        answered(Question::notifications);
     }));
     readFiles();
 }

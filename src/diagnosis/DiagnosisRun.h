@@ -37,6 +37,8 @@ struct DiagnosisPorts {
     FileStore& files; // Read only.
     LoginItem& loginItem;
     std::function<std::optional<std::filesystem::path>()> sharedContainer; // As in AppPorts.
+    // As NotificationCenter::getAuthorization.
+    std::function<void(std::function<void(NotificationAuthorization)>)> getNotificationAuthorization;
     std::function<std::optional<Url>(const std::string& text)> parseUrl;
     std::function<AppLocationPolicy::Context()> location;
     std::filesystem::path resources;
@@ -65,7 +67,7 @@ public:
     void start();
 
 private:
-    enum class Question { status, backgroundItem, preferences, properties, loginItem };
+    enum class Question { status, backgroundItem, preferences, properties, loginItem, notifications };
 
     void askService();
     void askFilter();

@@ -44,6 +44,8 @@ protected:
                         .files = files,
                         .loginItem = loginItem,
                         .sharedContainer = [] { return std::filesystem::path("/shared"); },
+                        .getNotificationAuthorization
+                        = [this](auto onEnd) { notifications.getAuthorization(std::move(onEnd)); },
                         .parseUrl = [](const std::string&) { return std::optional<Url>(); },
                         .location = [] { return AppLocationPolicy::Context {}; },
                         .resources = "/Resources",
@@ -81,6 +83,7 @@ protected:
     FakeFilterSystem filterSystem { mainLoop };
     FakeFileStore files;
     FakeLoginItem loginItem { mainLoop };
+    FakeNotificationCenter notifications { mainLoop };
     int ends { 0 };
     DiagnosisFacts facts;
     std::vector<std::string> secrets;
@@ -93,8 +96,11 @@ TEST_F(DiagnosisRunTest, EverythingIsAskedOnceAndNothingIsChanged)
 {
     defaults.set("pf.lastConclusive.contentFilter", std::string("off"));
     reply({ { "daemon_version", "1.2.3" }, { "auth_token", "a-token-of-the-service" } });
+    notifications.authorization = NotificationAuthorization::denied;
     finish();
     EXPECT_EQ(ends, 1);
+    EXPECT_EQ(facts.notifications, NotificationAuthorization::denied);
+    EXPECT_EQ(notifications.requests, 0);
     EXPECT_EQ(sockets.sent, std::vector<std::string> { "{\"type\":\"get_status\"}\n" });
     EXPECT_TRUE(files.writes().empty());
     EXPECT_TRUE(files.folders().empty());

@@ -37,6 +37,7 @@ DiagnosisFacts wellFacts()
                 { .browser = "Arc", .file = "/Users/ada/arc.json", .placement = std::nullopt } } },
         .confinedBrowsers = {},
         .sounds = { { .name = "gain.aiff", .isBundled = true, .placement = FilePlacement::inPlace } },
+        .notifications = NotificationAuthorization::authorized,
         .updates = { .feed = "https://updates.example.com/feed?ticket=abc", .isUsable = true },
         .reportsCrashes = true,
         .loginItem = LoginItemStatus::enabled,
@@ -74,12 +75,13 @@ TEST(DiagnosisTest, WhatTheUserNeedNotChangeIsOnlyNoticed)
     facts.reportsCrashes = false;
     facts.loginItem = LoginItemStatus::requiresApproval;
     facts.backgroundItem = BackgroundItem::unknown;
+    facts.notifications = NotificationAuthorization::denied;
     facts.confinedBrowsers = { "Chromium (Snap)" };
     facts.lastService = std::nullopt;
     const auto diagnosis = diagnose(facts);
     EXPECT_FALSE(diagnosis.needsUser());
     for (const auto* key :
-        { "updater", "crashReports", "loginItem", "nativeMessaging.confined", "service.background" }) {
+        { "updater", "crashReports", "loginItem", "notifications", "nativeMessaging.confined", "service.background" }) {
         ASSERT_TRUE(finding(diagnosis, key)) << key;
         EXPECT_EQ(finding(diagnosis, key)->verdict, FindingVerdict::notice) << key;
     }
