@@ -20,6 +20,7 @@ void NoticeConsumer::pollBegan() { m_generationOfPoll = m_deliveryGeneration.cur
 
 void NoticeConsumer::consume(const std::shared_ptr<const BlockingStatus>& status)
 {
+    m_dependencies.reminders.serviceHolds(status->authToken);
     auto& helper = m_dependencies.helper;
     for (const auto& notice : m_dependencies.reminders.deliver(status->pendingReminders, m_generationOfPoll))
         helper.post(notice.title, notice.body, notice.identifier, {}, whileCurrent(notice.generation));
@@ -41,8 +42,7 @@ void NoticeConsumer::consume(const std::shared_ptr<const BlockingStatus>& status
 // The user may sign out while a notice waits for the permission to be shown.
 PostLimits NoticeConsumer::whileCurrent(std::int64_t generation) const
 {
-    return { .deadline = std::nullopt,
-        .stillWanted = [current = m_deliveryGeneration, generation] { return current.allows(generation); } };
+    return { .deadline = std::nullopt, .stillWanted = m_deliveryGeneration.whileAllowed(generation) };
 }
 
 }

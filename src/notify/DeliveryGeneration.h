@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 namespace brevanta {
 
@@ -27,6 +28,12 @@ public:
 
     // Nobody has signed out since, and the generation is the current one.
     [[nodiscard]] bool allows(std::int64_t generation) const;
+
+    // Asks `allows` of the generation at the moment at which it is called.
+    [[nodiscard]] std::function<bool()> whileAllowed(std::int64_t generation) const
+    {
+        return [current = *this, generation] { return current.allows(generation); };
+    }
 
     // Without any check.
     void signedOut(SignedOut flag);

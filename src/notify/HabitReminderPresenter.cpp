@@ -16,6 +16,18 @@ HabitReminderPresenter::HabitReminderPresenter(UserDefaults& defaults)
 {
 }
 
+bool HabitReminderPresenter::tokenAccepted(const std::string& token, std::int64_t expectedLogoutSequence)
+{
+    const bool isKnown = token == m_acceptedToken || token == m_heldToken;
+    if (isKnown && m_generation.allows(m_generation.current()) && logoutSequence() == expectedLogoutSequence)
+        return true;
+    if (!signedIn(expectedLogoutSequence))
+        return false;
+    m_acceptedToken = token;
+    m_heldToken.reset();
+    return true;
+}
+
 std::vector<HabitReminderPresenter::Notification> HabitReminderPresenter::deliver(
     const std::vector<PendingReminder>& reminders, std::int64_t generation)
 {

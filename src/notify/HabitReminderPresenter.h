@@ -4,6 +4,7 @@
 #include "notify/NoticeRecords.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,11 +35,21 @@ public:
     // What is known of the account; for all notices, not only for reminders. As in DeliveryGeneration.
     void signedOut(SignedOut flag) { m_generation.signedOut(flag); }
     bool signedIn(std::int64_t expectedLogoutSequence) { return m_generation.signedIn(expectedLogoutSequence); }
+
+    // The service has taken the token. Signs in, as above, unless it is that of the user who is signed in: the one that
+    // the service took last, or the one that it holds. Any other may be another user's. Tokens stay in memory.
+    bool tokenAccepted(const std::string& token, std::int64_t expectedLogoutSequence);
+
+    // What the newest status says.
+    void serviceHolds(const std::optional<std::string>& token) { m_heldToken = token; }
+
     [[nodiscard]] std::int64_t logoutSequence() const { return m_generation.logoutSequence(); }
 
 private:
     UserDefaults& m_defaults;
     DeliveryGeneration m_generation;
+    std::optional<std::string> m_acceptedToken;
+    std::optional<std::string> m_heldToken;
 };
 
 }

@@ -64,7 +64,7 @@ void AccountMessages::tokenAnswered(
         return m_log.log("[KestreluneMac] auth_token bridge: daemon rejected: "
             + clipped(without(token, describe(answer.error())), maxLoggedBytes));
     m_log.log("[KestreluneMac] auth_token bridge: daemon accepted token");
-    if (!m_reminders.signedIn(sequenceBefore))
+    if (!m_reminders.tokenAccepted(token, sequenceBefore))
         m_log.log("[KestreluneMac] auth_token bridge: accept landed after a logout; habit reminders stay suppressed");
 }
 

@@ -107,23 +107,32 @@ TEST_F(NoticeConsumerTest, AReplyToAPollOfBeforeASignOutShowsNothingAndNothingLa
     EXPECT_EQ(added(), Names { "intraday-4" });
 }
 
-TEST_F(NoticeConsumerTest, WhatWaitsForThePermissionIsNotShownToAnotherUserNorTooLate)
+TEST_F(NoticeConsumerTest, WhatWaitsForThePermissionIsShownToNobodyElseAndToItsUser)
 {
     center.holdsRequests = true;
-    poll({ { "pending_local_alerts", { localAlert(1, 2), localAlert(2, 8) } } });
-    mainLoop.advance(5);
-    center.answerHeldRequests(NotificationAuthorization::authorized);
-    mainLoop.runPosted();
-    EXPECT_EQ(added(), Names { "task-timer-2" });
-
-    client.requestAuthorization([](auto) { });
-    center.answerHeldRequests(NotificationAuthorization::denied);
-    mainLoop.runPosted();
-    poll({ { "pending_reminders", { reminder(3) } } });
-    reminders.signedOut(SignedOut::yes);
-    center.answerHeldRequests(NotificationAuthorization::authorized);
-    mainLoop.runPosted();
-    EXPECT_EQ(added(), Names { "task-timer-2" });
+    const auto signIn
+        = [&](const char* token) { EXPECT_TRUE(reminders.tokenAccepted(token, reminders.logoutSequence())); };
+    Names shown;
+    int event = 0;
+    const auto waitingThrough = [&](const char* what, const std::function<void()>& change, bool isShown) {
+        center.authorization = NotificationAuthorization::denied;
+        client.getAuthorization([](auto) { });
+        mainLoop.runPosted();
+        poll({ { "pending_reminders", { reminder(++event) } }, { "auth_token", "ada" } });
+        if (isShown)
+            shown.push_back("intraday-" + std::to_string(event));
+        change();
+        center.answerHeldRequests(NotificationAuthorization::authorized);
+        mainLoop.runPosted();
+        EXPECT_EQ(added(), shown) << what;
+    };
+    const auto signOut = [&] { reminders.signedOut(SignedOut::yes); };
+    waitingThrough("the token that the service held at the launch", [&] { signIn("ada"); }, true);
+    waitingThrough("another user's", [&] { signIn("bob"); }, false);
+    waitingThrough("the same once more", [&] { signIn("bob"); }, true);
+    waitingThrough("signed out", signOut, false);
+    signIn("bob");
+    waitingThrough("out and in again", [&] { signOut(), signIn("bob"); }, false);
 }
 
 TEST_F(NoticeConsumerTest, AnAlertThatHasExpiredOnArrivalIsDropped)
