@@ -38,13 +38,18 @@ Notices::Notices(Dependencies dependencies)
         .feedback = *m_feedback,
         .helper = *m_helper,
     });
+    const DeliveryGeneration generation(m_dependencies.defaults);
     m_appTracker = std::make_unique<AppTracker>(AppTracker::Dependencies {
         .mainLoop = m_dependencies.mainLoop,
         .clock = m_dependencies.clock,
         .workspace = m_dependencies.workspace,
+        .generation = generation,
         .copy = copy,
-        .post = [this](const std::string& title, const std::string& body,
-                    const std::string& identifier) { postForUser(title, body, identifier); },
+        .post =
+            [this, generation](const AppTracker::Notice& notice) {
+                m_helper->post(notice.title, notice.body, notice.identifier, {},
+                    { .deadline = std::nullopt, .stillWanted = generation.whileAllowed(notice.generation) });
+            },
     });
 }
 
@@ -80,15 +85,6 @@ void Notices::awaitClicks(std::function<bool(const std::string& url)> isTrusted,
             });
         }
     });
-}
-
-// What a user who has signed out by then did is nobody's business.
-void Notices::postForUser(const std::string& title, const std::string& body, const std::string& identifier)
-{
-    const DeliveryGeneration generation(m_dependencies.defaults);
-    m_helper->post(title, body, identifier, {},
-        { .deadline = std::nullopt,
-            .stillWanted = [generation, current = generation.current()] { return generation.allows(current); } });
 }
 
 }

@@ -63,8 +63,6 @@ public:
     void awaitClicks(std::function<bool(const std::string& url)> isTrusted, std::function<void()> openWindow);
 
 private:
-    void postForUser(const std::string& title, const std::string& body, const std::string& identifier);
-
     Dependencies m_dependencies;
     NoticeLibrary m_library;
     std::unique_ptr<SystemNotificationCenterClient> m_client;

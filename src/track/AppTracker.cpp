@@ -12,6 +12,8 @@ namespace brevanta {
 
 namespace {
 
+constexpr std::size_t mostEnded = 100;
+
 // By their identifiers, each once.
 StopToastArbiter::Sessions ordered(StopToastArbiter::Sessions sessions)
 {
@@ -19,6 +21,22 @@ StopToastArbiter::Sessions ordered(StopToastArbiter::Sessions sessions)
     const auto repeated = std::ranges::unique(sessions, {}, &AutoTrackSessionInfo::sessionId);
     sessions.erase(repeated.begin(), repeated.end());
     return sessions;
+}
+
+// Those whose end the status tells with a notice of its own.
+std::vector<std::string> closedSessions(const BlockingStatus& status)
+{
+    std::vector<std::string> closed;
+    const auto add = [&](const auto& records) {
+        for (const auto& record : records) {
+            if (record.closingSessionId)
+                closed.push_back(*record.closingSessionId);
+        }
+    };
+    if (status.notifyMacosAppBlocked.value_or(true))
+        add(status.pendingAppRejections);
+    add(status.pendingTaskResumes);
+    return closed;
 }
 
 // The sessions that are no longer, or not yet, among the others; both in order.
@@ -41,6 +59,8 @@ std::string_view lastComponent(std::string_view bundleIdentifier)
 // The handler first, so that nothing launches between it and the list.
 AppTracker::AppTracker(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
+    , m_generationOfPoll(m_dependencies.generation.current())
+    , m_generationOfStatus(m_generationOfPoll)
 {
     m_dependencies.workspace.setApplicationHandler(
         m_life.guard([this](ApplicationChange change, const RunningApplication& application) {
@@ -52,26 +72,51 @@ AppTracker::AppTracker(Dependencies dependencies)
 
 AppTracker::~AppTracker() { m_dependencies.workspace.setApplicationHandler({}); }
 
+void AppTracker::pollBegan() { m_generationOfPoll = m_dependencies.generation.current(); }
+
 void AppTracker::consume(const std::shared_ptr<const BlockingStatus>& status)
 {
-    if (status == m_status)
+    const bool userChanged = std::exchange(m_generationOfStatus, m_generationOfPoll) != m_generationOfPoll;
+    if (status == m_status && !userChanged)
         return;
     m_status = status;
-    if (status->autoTrackSessions)
-        sessionsListed(ordered(*status->autoTrackSessions));
+    m_userChanged = m_userChanged || userChanged;
+    const bool isForUser = m_dependencies.generation.allows(m_generationOfPoll);
+    if (userChanged || !isForUser)
+        forgetSessions();
+    if (!isForUser)
+        return;
+    if (const auto open = status->autoTrackSessions ? ordered(*status->autoTrackSessions) : m_sessions)
+        sessionsListed(*open, closedSessions(*status));
 }
 
-void AppTracker::sessionsListed(Sessions open)
+void AppTracker::forgetSessions()
 {
-    const auto before = std::exchange(m_sessions, std::move(open));
-    if (!before)
-        return;
+    m_stopArbiter = {};
+    m_timer.reset();
+    m_sessions.reset();
+    m_ended.clear();
+}
+
+void AppTracker::sessionsListed(Sessions open, std::vector<std::string> closed)
+{
+    const auto previous = std::exchange(m_sessions, std::move(open));
+    const auto& before = previous ? *previous : *m_sessions;
+    if (std::exchange(m_userChanged, false))
+        std::ranges::transform(*m_sessions, std::back_inserter(closed), &AutoTrackSessionInfo::sessionId);
     const double now = m_dependencies.clock.continuousSeconds();
-    auto started = without(*m_sessions, *before);
-    // One that was missing for a moment has been told of already.
-    std::erase_if(started, [&](const auto& session) { return m_stopArbiter.holds(session.sessionId, now); });
+    auto started = without(*m_sessions, before);
+    // One that was missing for a moment has been told of already, and one that is refused is none that goes on.
+    std::erase_if(started, [&](const auto& session) {
+        return m_stopArbiter.holds(session.sessionId, now)
+            || std::ranges::find(closed, session.sessionId) != closed.end();
+    });
+    const auto ended = without(before, *m_sessions);
+    m_ended.insert(m_ended.end(), ended.begin(), ended.end());
+    while (m_ended.size() > mostEnded)
+        m_ended.pop_front();
     const auto stopped = m_stopArbiter.statusArrived(
-        without(*before, *m_sessions), *m_sessions, now, m_dependencies.clock.wallSeconds());
+        { .stopped = ended, .open = *m_sessions, .closed = closed }, now, m_dependencies.clock.wallSeconds());
     awaitNextStop();
     tellStops(stopped);
     tellStarts(started);
@@ -98,8 +143,10 @@ void AppTracker::tell(const AutoTrackSessionInfo& session, std::string_view titl
 {
     const auto& copy = m_dependencies.copy();
     const auto name = nameOf(session.bundleId);
-    m_dependencies.post(copy.text(titleKey), copy.text(bodyKey, { { .placeholder = "app", .value = name } }),
-        identifierPrefix + session.sessionId);
+    m_dependencies.post({ .identifier = identifierPrefix + session.sessionId,
+        .title = copy.text(titleKey),
+        .body = copy.text(bodyKey, { { .placeholder = "app", .value = name } }),
+        .generation = m_generationOfStatus });
 }
 
 void AppTracker::awaitNextStop()
@@ -126,6 +173,16 @@ AppTracker::AppLists AppTracker::lists() const
         .meteredDomains = m_status->meteredDomains,
         .autoTrackApps = m_status->autoTrackApps,
         .status = m_status };
+}
+
+std::optional<std::string> AppTracker::applicationOf(std::string_view sessionId) const
+{
+    const auto nameIn = [&](const auto& sessions) -> std::optional<std::string> {
+        const auto found = std::ranges::find(sessions, sessionId, &AutoTrackSessionInfo::sessionId);
+        return found == sessions.end() ? std::nullopt : std::optional(nameOf(found->bundleId));
+    };
+    auto name = m_sessions ? nameIn(*m_sessions) : std::nullopt;
+    return name ? name : nameIn(m_ended);
 }
 
 std::vector<std::string> AppTracker::runningAutoTrackApps() const

@@ -3,10 +3,13 @@
 #include "base/LifeToken.h"
 #include "daemon/BlockingStatus.h"
 #include "daemon/StatusConsumer.h"
+#include "notify/DeliveryGeneration.h"
 #include "notify/NoticeCopy.h"
 #include "platform/Workspace.h"
 #include "track/StopToastArbiter.h"
 
+#include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,19 +24,24 @@ class Clock;
 class MainLoop;
 class Timer;
 
-// The client's side of app tracking: tells the user of auto-track sessions that start and stop, and knows what the
-// newest status says of applications and which of them run. Main thread only.
+// The client's side of app tracking: tells the user of auto-track sessions that start and stop, each only the user
+// whose they are, and knows what the newest status says of applications and which of them run. Main thread only.
 class AppTracker final : public StatusConsumer {
 public:
-    using PostNotice
-        = std::function<void(const std::string& title, const std::string& body, const std::string& identifier)>;
+    struct Notice {
+        std::string identifier; // "auto-track-start-" or "auto-track-stop-" and the session's.
+        std::string title;
+        std::string body;
+        std::int64_t generation { 0 }; // Under which the session was listed.
+    };
 
     struct Dependencies {
         MainLoop& mainLoop;
         const Clock& clock;
         Workspace& workspace;
+        DeliveryGeneration generation;
         CurrentNoticeCopy copy;
-        PostNotice post; // Identifiers are "auto-track-start-" or "auto-track-stop-" and the session's.
+        std::function<void(const Notice&)> post;
     };
 
     // What a status says of applications; all empty before the first one.
@@ -50,13 +58,20 @@ public:
     AppTracker(const AppTracker&) = delete;
     AppTracker& operator=(const AppTracker&) = delete;
 
-    // Of the first status that lists sessions nothing is told, since they may have been open for long; one that lists
-    // none at all leaves open what was. The newest status's switches count; without them everything is told.
+    void pollBegan() override;
+
+    // Of the first status that lists sessions no start is told, since they may have been open for long, nor of the
+    // first one after a sign-out or sign-in, whose sessions' stops are not told either: they may be the user's of
+    // before. A status that lists none at all leaves open what was. A session that a refusal or a resumed task of a
+    // status closes has that notice alone. The newest status's switches count; without them everything is told.
     void consume(const std::shared_ptr<const BlockingStatus>& status) override;
     void serviceFailed(const DaemonFailure&) override { }
 
     // Of the newest status, also while the service fails.
     [[nodiscard]] AppLists lists() const;
+
+    // The name of the session's application; nothing when no such session is or was listed lately.
+    [[nodiscard]] std::optional<std::string> applicationOf(std::string_view sessionId) const;
 
     // The applications of `autoTrackApps` that run, in the order of that list.
     [[nodiscard]] std::vector<std::string> runningAutoTrackApps() const;
@@ -64,7 +79,8 @@ public:
 private:
     using Sessions = StopToastArbiter::Sessions;
 
-    void sessionsListed(Sessions open);
+    void forgetSessions();
+    void sessionsListed(Sessions open, std::vector<std::string> closed);
     void tellStarts(const Sessions& started) const;
     void tellStops(const Sessions& stopped) const;
     void tell(const AutoTrackSessionInfo& session, std::string_view titleKey, std::string_view bodyKey,
@@ -77,7 +93,11 @@ private:
     Dependencies m_dependencies;
     StopToastArbiter m_stopArbiter;
     std::shared_ptr<const BlockingStatus> m_status;
+    std::int64_t m_generationOfPoll;
+    std::int64_t m_generationOfStatus; // Of `m_status`, and of the sessions below.
+    bool m_userChanged { false }; // Since sessions were last listed.
     std::optional<Sessions> m_sessions; // Those last listed, by their identifiers; nothing while none were.
+    std::deque<AutoTrackSessionInfo> m_ended; // Those last ended, for their names.
     std::set<RunningApplication> m_running;
     std::unique_ptr<Timer> m_timer; // For the next stop that is held.
     LifeToken m_life;

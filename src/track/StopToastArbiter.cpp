@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
 
 namespace brevanta {
 
@@ -16,22 +15,24 @@ bool hasRunOut(const AutoTrackSessionInfo& session, double wallNow)
 }
 
 // What is due goes first: a status that comes late, as after the machine has slept, is none of the time before.
-StopToastArbiter::Sessions StopToastArbiter::statusArrived(std::span<const AutoTrackSessionInfo> stopped,
-    std::span<const AutoTrackSessionInfo> open, double now, double wallNow)
+StopToastArbiter::Sessions StopToastArbiter::statusArrived(const Change& change, double now, double wallNow)
 {
     auto told = timePassed(now);
+    m_closed.insert(change.closed.begin(), change.closed.end());
     std::set<std::string_view> tracked;
-    for (const auto& session : open)
+    std::set<std::string> open;
+    for (const auto& session : change.open) {
         tracked.insert(session.bundleId);
-    std::erase_if(m_held, [&](const Held& held) { return tracked.contains(held.session.bundleId); });
-    for (const auto& session : stopped) {
-        if (tracked.contains(session.bundleId))
-            continue;
-        if (hasRunOut(session, wallNow))
-            told.push_back(session);
-        else
-            m_held.push_back({ .session = session, .due = now + holdSeconds });
+        open.insert(session.sessionId);
     }
+    for (const auto& session : change.stopped) {
+        const double due = now + (hasRunOut(session, wallNow) ? holdSecondsWithoutBudget : holdSeconds);
+        m_held.insert(std::ranges::upper_bound(m_held, due, {}, &Held::due), { .session = session, .due = due });
+    }
+    std::erase_if(m_held, [&](const Held& held) {
+        return tracked.contains(held.session.bundleId) || m_closed.contains(held.session.sessionId);
+    });
+    std::erase_if(m_closed, [&](const std::string& sessionId) { return !open.contains(sessionId); });
     return told;
 }
 

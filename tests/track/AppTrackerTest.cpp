@@ -30,10 +30,12 @@ protected:
         m_tracker.emplace(AppTracker::Dependencies { .mainLoop = m_loop,
             .clock = m_clock,
             .workspace = m_workspace,
+            .generation = m_generation,
             .copy = [this]() -> const NoticeCopy& { return m_copy; },
-            .post
-            = [this](const std::string& title, const std::string& body,
-                  const std::string& identifier) { m_notices.push_back(identifier + "|" + title + "|" + body); } });
+            .post =
+                [this](const AppTracker::Notice& notice) {
+                    m_notices.push_back(notice.identifier + "|" + notice.title + "|" + notice.body);
+                } });
     }
 
     void consume(const Json& additions) { m_tracker->consume(statusWith(additions)); }
@@ -50,6 +52,8 @@ protected:
     FakeClock m_clock;
     FakeMainLoop m_loop { m_clock };
     FakeWorkspace m_workspace { m_loop };
+    FakeUserDefaults m_defaults;
+    DeliveryGeneration m_generation { m_defaults };
     NoticeCopy m_copy { {},
         { { "macApp.notice.autoTrackStart.title", "Started" }, { "macApp.notice.autoTrackStart.body", "{app} runs" },
             { "macApp.notice.autoTrackStop.title", "Stopped" },
@@ -69,8 +73,11 @@ TEST_F(AppTrackerTest, StartsAndStopsAreToldOnceEachWithTheApplicationsName)
     EXPECT_EQ(m_notices, Notices { "auto-track-start-s1|Started|Text Editor runs" });
     m_notices.clear();
 
+    EXPECT_EQ(m_tracker->applicationOf("s1"), "Text Editor");
+    EXPECT_EQ(m_tracker->applicationOf("s2"), std::nullopt);
     m_workspace.displayNames.clear();
     consume(sessions({}));
+    EXPECT_EQ(m_tracker->applicationOf("s1"), "Editor") << "a notice of its end may follow";
     m_loop.advance(9.9);
     EXPECT_EQ(posted(), Notices());
     consume(Json { { "auto_track_sessions", Json::array() }, { "energy", 4 } });
@@ -94,6 +101,15 @@ TEST_F(AppTrackerTest, WhatIsToldFollowsFromStatusAfterStatus)
         status["auto_track_sessions"][0]["budget_end_epoch"] = m_clock.wallSeconds() + wall;
         return status;
     };
+    const auto closing = [](const char* session, Json status) {
+        status["pending_app_rejections"] = Json::array({ { { "event_id", 1 }, { "reason", "coins_depleted" },
+            { "kind", "session_ended" }, { "closing_session_id", session } } });
+        return status;
+    };
+    const auto signing = [](const char* which, Json status) { // After the poll has begun.
+        status["sign"] = which;
+        return status;
+    };
     struct Case {
         const char* what;
         std::vector<Json> statuses; // Two seconds apart.
@@ -112,7 +128,21 @@ TEST_F(AppTrackerTest, WhatIsToldFollowsFromStatusAfterStatus)
         { "missing for a moment", { sessions({ "a" }), none, sessions({ "a" }) }, {}, {} },
         { "another application's", { sessions({ "a" }), none, sessions({ "b" }, "com.example.Other") },
             { "auto-track-start-b" }, { "auto-track-stop-a" } },
-        { "its budget has ended", { endingAt(1), none }, { "auto-track-stop-a" }, {} },
+        { "its budget has ended", { endingAt(1), none, none, none }, { "auto-track-stop-a" }, {} },
+        { "closed in the same reply", { sessions({ "a" }), closing("a", none) }, {}, {} },
+        { "closed a poll before", { sessions({ "a" }), closing("a", sessions({ "a" })), sessions({ "a" }), none }, {},
+            {} },
+        { "closed a poll after, out of budget", { endingAt(1), none, closing("a", unknown) }, {}, {} },
+        { "refused as it began", { none, closing("a", sessions({ "a" })), none }, {}, {} },
+        { "another one closed", { sessions({ "a" }), closing("b", none) }, {}, { "auto-track-stop-a" } },
+        { "closed, and the notice of that switched off",
+            { sessions({ "a" }), off(closing("a", none), "notify_macos_app_blocked") }, {}, { "auto-track-stop-a" } },
+        { "begun and signed out", { none, signing("out", sessions({ "a" })), sessions({ "a", "b" }) }, {}, {} },
+        { "ended and another user signed in", { sessions({ "a" }), none, signing("in", none), none }, {}, {} },
+        { "left open by the user of before",
+            { sessions({ "a" }), signing("in", sessions({ "a" })), sessions({ "a" }),
+                sessions({ "b" }, "com.example.Other"), none },
+            { "auto-track-start-b" }, { "auto-track-stop-b" } },
         { "starts are switched off", { none, off(sessions({ "a" }), "notify_macos_auto_track_start"), none }, {},
             { "auto-track-stop-a" } },
         { "stops are switched off", { none, sessions({ "a" }), off(none, "notify_macos_auto_track_stop") },
@@ -121,13 +151,21 @@ TEST_F(AppTrackerTest, WhatIsToldFollowsFromStatusAfterStatus)
             { sessions({ "a" }), none, off(none, "notify_macos_auto_track_stop") }, {}, {} },
     };
     for (const auto& [what, statuses, atOnce, later] : cases) {
+        m_generation.signedOut(SignedOut::no);
         AppTracker tracker({ .mainLoop = m_loop,
             .clock = m_clock,
             .workspace = m_workspace,
+            .generation = m_generation,
             .copy = [this]() -> const NoticeCopy& { return m_copy; },
-            .post
-            = [this](const auto&, const auto&, const std::string& identifier) { m_notices.push_back(identifier); } });
-        for (const auto& status : statuses) {
+            .post =
+                [this](const AppTracker::Notice& notice) {
+                    if (m_generation.allows(notice.generation))
+                        m_notices.push_back(notice.identifier);
+                } });
+        for (auto status : statuses) {
+            tracker.pollBegan();
+            if (status.contains("sign"))
+                m_generation.signedOut(status["sign"] == "out" ? SignedOut::yes : SignedOut::no);
             tracker.consume(statusWith(status));
             m_loop.advance(2);
             tracker.serviceFailed(DaemonError {});
