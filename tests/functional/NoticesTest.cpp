@@ -157,7 +157,7 @@ TEST_F(NoticesTest, theLanguageIsTheUsersFromTheNextNoticeOn)
     post("{ type: 'set_locale_preference', preference: 'es' }");
     queue("rejection", rejection(1, "coins_depleted"));
     ASSERT_TRUE(shows("app-rejected-1"));
-    EXPECT_EQ(last("app-rejected-1").title, "No se abrió la app");
+    EXPECT_EQ(last("app-rejected-1").title, "No se ha abierto la app");
     post("{ type: 'set_locale_preference', preference: 'zh-Hans' }");
     queue("rejection", rejection(2, "coins_depleted"));
     ASSERT_TRUE(shows("app-rejected-2"));
