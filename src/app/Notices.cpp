@@ -29,7 +29,8 @@ Notices::Notices(Dependencies dependencies)
     , m_localAlerts(std::make_unique<LocalAlertPresenter>(m_dependencies.defaults))
 {
     const CurrentNoticeCopy copy = [this]() -> const NoticeCopy& { return m_library.current(); };
-    m_feedback = std::make_unique<FeedbackPresenter>(m_dependencies.defaults, copy);
+    m_feedback = std::make_unique<FeedbackPresenter>(m_dependencies.defaults, copy,
+        [this](const std::string& sessionId) { return m_appTracker->applicationOf(sessionId); });
     m_consumer = std::make_unique<NoticeConsumer>(NoticeConsumer::Dependencies {
         .clock = m_dependencies.clock,
         .defaults = m_dependencies.defaults,
@@ -55,6 +56,7 @@ Notices::Notices(Dependencies dependencies)
 
 Notices::~Notices() = default;
 
+// The tracker knows a session's application before a notice is to name it.
 std::vector<StatusConsumer*> Notices::consumers() { return { m_appTracker.get(), m_consumer.get() }; }
 
 // Whoever is signed in wants to know, and so does whoever is not: it is about the Mac.

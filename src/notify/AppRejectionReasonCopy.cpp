@@ -37,6 +37,8 @@ std::string prefixFor(PendingAppRejection::Kind kind)
 
 std::string AppRejectionReasonCopy::titleKey(PendingAppRejection::Kind kind) { return prefixFor(kind) + "title"; }
 
+std::string AppRejectionReasonCopy::titleKeyWithApp(PendingAppRejection::Kind kind) { return titleKey(kind) + ".app"; }
+
 std::string AppRejectionReasonCopy::bodyKey(const PendingAppRejection& rejection)
 {
     const bool hasTask = rejection.taskTitle && !isBlank(*rejection.taskTitle);

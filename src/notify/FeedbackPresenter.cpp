@@ -15,10 +15,12 @@ constexpr auto seenKey = "macFeedback.seenEventIds";
 
 }
 
-FeedbackPresenter::FeedbackPresenter(UserDefaults& defaults, CurrentNoticeCopy copy)
+FeedbackPresenter::FeedbackPresenter(
+    UserDefaults& defaults, CurrentNoticeCopy copy, ApplicationOfSession applicationOfSession)
     : m_defaults(defaults)
     , m_generation(defaults)
     , m_copy(std::move(copy))
+    , m_applicationOfSession(std::move(applicationOfSession))
 {
 }
 
@@ -49,9 +51,11 @@ FeedbackPresenter::Notification FeedbackPresenter::rejected(
     const PendingAppRejection& rejection, std::int64_t generation) const
 {
     const auto& copy = m_copy();
+    const auto app = applicationOf(rejection.closingSessionId);
     const auto task = rejection.taskTitle.value_or("");
     return { .identifier = "app-rejected-" + rejection.eventId,
-        .title = copy.text(AppRejectionReasonCopy::titleKey(rejection.kind)),
+        .title = app ? copy.text(AppRejectionReasonCopy::titleKeyWithApp(rejection.kind), { { "app", *app } })
+                     : copy.text(AppRejectionReasonCopy::titleKey(rejection.kind)),
         .body = copy.text(AppRejectionReasonCopy::bodyKey(rejection), { { "task", task } }),
         .generation = generation };
 }
@@ -61,11 +65,22 @@ FeedbackPresenter::Notification FeedbackPresenter::resumed(
 {
     const auto& copy = m_copy();
     const auto task = resume.taskTitle.value_or("");
-    const auto bodyKey = isBlank(task) ? noticeKeys::taskResumedBody : noticeKeys::taskResumedBodyWithTask;
+    const auto app = applicationOf(resume.closingSessionId);
+    const auto bodyWithoutTask = [&] {
+        return app ? copy.text(noticeKeys::taskResumedBodyWithApp, { { "app", *app } })
+                   : copy.text(noticeKeys::taskResumedBody);
+    };
     return { .identifier = "task-resumed-" + resume.eventId,
         .title = copy.text(noticeKeys::taskResumedTitle),
-        .body = copy.text(bodyKey, { { "task", task } }),
+        .body
+        = isBlank(task) ? bodyWithoutTask() : copy.text(noticeKeys::taskResumedBodyWithTask, { { "task", task } }),
         .generation = generation };
+}
+
+std::optional<std::string> FeedbackPresenter::applicationOf(const std::optional<std::string>& sessionId) const
+{
+    auto name = sessionId && m_applicationOfSession ? m_applicationOfSession(*sessionId) : std::nullopt;
+    return name && !isBlank(*name) ? std::move(name) : std::nullopt;
 }
 
 }

@@ -5,6 +5,7 @@
 #include "notify/NoticeRecords.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,7 +33,10 @@ public:
         std::optional<bool> notifyMacosAppBlocked; // False: rejections are marked as seen and not shown.
     };
 
-    FeedbackPresenter(UserDefaults& defaults, CurrentNoticeCopy copy);
+    // The name of the application that an auto-track session is of; nothing when it is not known.
+    using ApplicationOfSession = std::function<std::optional<std::string>(const std::string& sessionId)>;
+
+    FeedbackPresenter(UserDefaults& defaults, CurrentNoticeCopy copy, ApplicationOfSession applicationOfSession = {});
 
     // What is to be posted, in order, rejections first; both kinds of event share one range of identifiers.
     // `generation` is the one of the moment at which the batch was asked for; what belongs to an older one is marked as
@@ -42,10 +46,12 @@ public:
 private:
     [[nodiscard]] Notification rejected(const PendingAppRejection& rejection, std::int64_t generation) const;
     [[nodiscard]] Notification resumed(const PendingTaskResume& resume, std::int64_t generation) const;
+    [[nodiscard]] std::optional<std::string> applicationOf(const std::optional<std::string>& sessionId) const;
 
     UserDefaults& m_defaults;
     DeliveryGeneration m_generation;
     CurrentNoticeCopy m_copy;
+    ApplicationOfSession m_applicationOfSession;
 };
 
 }

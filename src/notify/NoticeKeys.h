@@ -8,6 +8,7 @@ namespace brevanta::noticeKeys {
 inline constexpr std::string_view taskResumedTitle { "macApp.notice.taskResumed.title" };
 inline constexpr std::string_view taskResumedBody { "macApp.notice.taskResumed.body" };
 inline constexpr std::string_view taskResumedBodyWithTask { "macApp.notice.taskResumed.body.task" }; // {task}
+inline constexpr std::string_view taskResumedBodyWithApp { "macApp.notice.taskResumed.body.app" }; // {app}
 inline constexpr std::string_view autoTrackStartTitle { "macApp.notice.autoTrackStart.title" };
 inline constexpr std::string_view autoTrackStartBody { "macApp.notice.autoTrackStart.body" }; // {app}
 inline constexpr std::string_view autoTrackStopTitle { "macApp.notice.autoTrackStop.title" };

@@ -65,10 +65,12 @@ std::map<std::string, std::multiset<std::string>> usedKeys()
              blockingServiceOffTitle, blockingServiceOffBody, contentFilterOffTitle, contentFilterOffBody })
         keys[std::string(key)] = {};
     keys[std::string(taskResumedBodyWithTask)] = { "task" };
+    keys[std::string(taskResumedBodyWithApp)] = { "app" };
     keys[std::string(autoTrackStartBody)] = { "app" };
     keys[std::string(autoTrackStopBody)] = { "app" };
     for (const auto kind : { PendingAppRejection::Kind::rejectedOpen, PendingAppRejection::Kind::sessionEnded }) {
         keys[AppRejectionReasonCopy::titleKey(kind)] = {};
+        keys[AppRejectionReasonCopy::titleKeyWithApp(kind)] = { "app" };
         for (const auto* const reason : { "always_blocked", "situation", "coins_depleted", "daily_cap", "active_task",
                  "authorization_unconfirmed", "unspecified" }) {
             PendingAppRejection rejection { .reason = reason, .kind = kind };

@@ -58,9 +58,11 @@ const NoticeCopy& copy()
         { { "macApp.notice.rejection.rejectedOpen.title", "Not opened" },
             { "macApp.notice.rejection.rejectedOpen.dailyCap.task", "{task} is over" },
             { "macApp.notice.rejection.sessionEnded.title", "Ended" },
+            { "macApp.notice.rejection.sessionEnded.title.app", "{app} ended" },
             { "macApp.notice.rejection.sessionEnded.unspecified", "Blocked" },
             { "macApp.notice.taskResumed.title", "Resumed" }, { "macApp.notice.taskResumed.body", "Goes on" },
-            { "macApp.notice.taskResumed.body.task", "{task} goes on" } } };
+            { "macApp.notice.taskResumed.body.task", "{task} goes on" },
+            { "macApp.notice.taskResumed.body.app", "Goes on after {app}" } } };
     return words;
 }
 
@@ -227,19 +229,9 @@ TEST(DeliveryGenerationTest, ASignInCountsOnlyWhenNobodySignedOutSince)
     restarted.signedOut(SignedOut::no);
     EXPECT_TRUE(restarted.allows(3));
     EXPECT_EQ(restarted.logoutSequence(), 1) << "only a sign-out is one";
-}
-
-TEST(DeliveryGenerationTest, NumbersThatHaveRunOutBeginAnew)
-{
-    FakeUserDefaults defaults;
-    constexpr auto last = std::numeric_limits<std::int64_t>::max();
-    defaults.set("habitReminders.deliveryGeneration", last);
-    defaults.set("habitReminders.logoutSequence", last);
-    DeliveryGeneration generation(defaults);
-    generation.signedOut(SignedOut::yes);
-    EXPECT_EQ(generation.current(), 1);
-    EXPECT_FALSE(generation.signedIn(last));
-    EXPECT_TRUE(generation.signedIn(1));
+    defaults.set("habitReminders.deliveryGeneration", std::numeric_limits<std::int64_t>::max());
+    restarted.signedOut(SignedOut::no);
+    EXPECT_EQ(generation.current(), 1) << "numbers that have run out begin anew";
 }
 
 TEST(HabitReminderPresenterTest, ANotificationHasTheTitleThatIsMadeForIt)
@@ -278,14 +270,25 @@ TEST(FeedbackPresenterTest, RejectionsComeFirstInTheWordsOfTheirReasonAndKind)
     auto ended = rejection(2, "brand_new_reason");
     ended.kind = PendingAppRejection::Kind::sessionEnded;
     ended.taskTitle = std::nullopt;
-    const std::vector rejections { rejection(1), ended };
-    const std::vector resumes { resume(3), resume(4, " \n") };
-    EXPECT_EQ(FeedbackPresenter(defaults, copy).deliver({ rejections, resumes, std::nullopt }, 0),
+    ended.closingSessionId = "unknown";
+    auto named = ended;
+    named.eventId = "e-5";
+    named.closingSessionId = "s";
+    auto follows = resume(6, "\u00A0");
+    follows.closingSessionId = "s";
+    const std::vector rejections { rejection(1), ended, named, named };
+    const std::vector resumes { resume(3), resume(4, " \n\u3000"), follows };
+    FeedbackPresenter presenter(defaults, copy,
+        [](const auto& session) { return session == "s" ? std::optional<std::string>("Editor") : std::nullopt; });
+    EXPECT_EQ(presenter.deliver({ rejections, resumes, std::nullopt }, 0),
         (std::vector<FeedbackPresenter::Notification> {
             { .identifier = "app-rejected-1", .title = "Not opened", .body = "Games is over", .generation = 0 },
             { .identifier = "app-rejected-2", .title = "Ended", .body = "Blocked", .generation = 0 },
+            { .identifier = "app-rejected-e-5", .title = "Editor ended", .body = "Blocked", .generation = 0 },
             { .identifier = "task-resumed-3", .title = "Resumed", .body = "Work goes on", .generation = 0 },
-            { .identifier = "task-resumed-4", .title = "Resumed", .body = "Goes on", .generation = 0 } }));
+            { .identifier = "task-resumed-4", .title = "Resumed", .body = "Goes on", .generation = 0 },
+            { .identifier = "task-resumed-6", .title = "Resumed", .body = "Goes on after Editor", .generation = 0 } }));
+    EXPECT_EQ(FeedbackPresenter(defaults, copy).deliver({ { named }, {}, std::nullopt }, 0).size(), 0U);
 }
 
 TEST(FeedbackPresenterTest, SwitchedOffRejectionsAreSeenAndNotShown)
