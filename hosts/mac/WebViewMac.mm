@@ -22,16 +22,18 @@ void WebViewMac::start(const WebViewConfiguration& configuration)
     if (!configuration.applicationNameForUserAgent.empty())
         native.applicationNameForUserAgent = displayString(configuration.applicationNameForUserAgent);
     WKWebView* const webView = [[WKWebView alloc] initWithFrame:m_container.bounds configuration:native];
-    m_navigationDelegate = [[BrevantaNavigationDelegate alloc] initWithDelegate:configuration.navigationDelegate
-                                                                       mainLoop:m_mainLoop
-                                                                        webView:webView];
+    BrevantaNavigationDelegate* const navigationDelegate =
+        [[BrevantaNavigationDelegate alloc] initWithDelegate:configuration.navigationDelegate
+                                                    mainLoop:m_mainLoop
+                                                     webView:webView];
     m_uiDelegate = [[BrevantaUiDelegate alloc] initWithDelegate:configuration.uiDelegate
                                                 browserDelegate:configuration.browserDelegate
-                                             navigationDelegate:m_navigationDelegate];
-    webView.navigationDelegate = m_navigationDelegate;
+                                             navigationDelegate:navigationDelegate];
+    webView.navigationDelegate = navigationDelegate;
     webView.UIDelegate = m_uiDelegate;
     webView.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
     [m_container addSubview:webView];
+    m_navigationDelegate = navigationDelegate;
     m_webView = webView;
 }
 
