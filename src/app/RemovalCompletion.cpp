@@ -6,8 +6,6 @@
 #include "platform/SystemLog.h"
 #include "track/AppAlertPresenter.h"
 
-#include <utility>
-
 namespace brevanta {
 
 namespace {
@@ -20,7 +18,7 @@ constexpr double secondsAfterFailure = 60; // What failed tells the user to wait
 }
 
 RemovalCompletion::RemovalCompletion(Dependencies dependencies)
-    : m_dependencies(std::move(dependencies))
+    : m_dependencies(dependencies)
 {
 }
 
