@@ -9,8 +9,13 @@ if [ -n "$faults" ]; then
     exit 1
 fi
 text=$(groff -man -Tascii -P-c -P-b -P-u "$page")
+options=$("$client" --help | grep --only-matching -e '--[a-z][a-z-]*' | sort -u)
+if [ -z "$options" ]; then
+    echo "--help names no option"
+    exit 1
+fi
 status=0
-for option in $("$client" --help | grep --only-matching -e '--[a-z][a-z-]*' | sort -u); do
+for option in $options; do
     case $text in
     *"$option"*) ;;
     *)
