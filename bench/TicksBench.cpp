@@ -25,6 +25,17 @@ public:
         return m_stamp;
     }
     [[nodiscard]] std::optional<FileStamp> stamp(const std::filesystem::path&) const override { return m_stamp; }
+    [[nodiscard]] std::expected<std::string, FileStoreError> read(const std::filesystem::path&) const override
+    {
+        return std::unexpected(FileStoreError { .message = "nothing is kept", .kind = FileStoreError::Kind::failed });
+    }
+    [[nodiscard]] std::expected<void, FileStoreError> createFolder(const std::filesystem::path&) override { return {}; }
+    [[nodiscard]] bool isFolder(const std::filesystem::path&) const override { return true; }
+    [[nodiscard]] bool isWritableFolder(const std::filesystem::path&) const override { return true; }
+    [[nodiscard]] std::optional<FilePermissions> permissions(const std::filesystem::path&) const override
+    {
+        return FilePermissions::ownerOnly;
+    }
 
 private:
     FileStamp m_stamp;
