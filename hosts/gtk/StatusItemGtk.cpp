@@ -3,6 +3,7 @@
 #include "base/Executor.h"
 #include "gtk/GLibText.h"
 
+#include <string_view>
 #include <utility>
 
 namespace brevanta {
@@ -22,6 +23,26 @@ const char* iconName(StatusImage image)
     return "brevanta-unknown-symbolic";
 }
 
+void dropDeprecation(const char* domain, GLogLevelFlags level, const char* message, void*)
+{
+    if (!std::string_view(message).contains("is deprecated"))
+        g_log_default_handler(domain, level, message, nullptr);
+}
+
+// From version 0.5.94 on the library calls itself deprecated, to the compiler and in each process, in favour of one that
+// older systems lack. Whoever runs the client can do nothing about that.
+AppIndicator* newIndicator(const std::filesystem::path& images)
+{
+    constexpr auto domain = "libayatana-appindicator";
+    const auto handler = g_log_set_handler(domain, G_LOG_LEVEL_WARNING, dropDeprecation, nullptr);
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    auto* const indicator = app_indicator_new_with_path("brevanta", iconName(StatusImage::unknown),
+        APP_INDICATOR_CATEGORY_APPLICATION_STATUS, images.c_str());
+    G_GNUC_END_IGNORE_DEPRECATIONS
+    g_log_remove_handler(domain, handler);
+    return indicator;
+}
+
 }
 
 StatusItemGtk::StatusItemGtk(GDBusConnection* bus, const std::filesystem::path& images, Executor& mainThread)
@@ -29,8 +50,7 @@ StatusItemGtk::StatusItemGtk(GDBusConnection* bus, const std::filesystem::path& 
     , m_watcher(bus, "org.kde.StatusNotifierWatcher")
     , m_handler(std::make_shared<std::function<void(MenuItemId)>>())
     , m_menu([this](MenuItemId id) { reportLater(id); })
-    , m_indicator(app_indicator_new_with_path(
-          "brevanta", iconName(StatusImage::unknown), APP_INDICATOR_CATEGORY_APPLICATION_STATUS, images.c_str()))
+    , m_indicator(newIndicator(images))
 {
 }
 
