@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Adds up ctest's own reports: count-results.py BROKEN REPORT...
 
-Prints "N passed, N failed". BROKEN is the number of steps that failed outside of any report; each counts as a failure,
+Prints "N passed, N failed", with ", N skipped" where tests could not be run on this machine. BROKEN is the number of steps that failed outside of any report; each counts as a failure,
 and so do a report that cannot be read or names no test, and having no report at all.
 """
 
@@ -9,6 +9,7 @@ import sys
 import xml.etree.ElementTree as ElementTree
 
 passed = 0
+skipped = 0
 failed = int(sys.argv[1]) or (0 if sys.argv[2:] else 1)
 for path in sys.argv[2:]:
     try:
@@ -19,10 +20,11 @@ for path in sys.argv[2:]:
     if not cases:
         failed += 1
     for case in cases:
-        # A skipped or a disabled test has proved nothing either way.
         if case.get("status") == "run" and case.find("failure") is None:
             passed += 1
         elif case.get("status") == "fail" or case.find("failure") is not None:
             failed += 1
-print(f"{passed} passed, {failed} failed")
+        else:
+            skipped += 1
+print(f"{passed} passed, {failed} failed" + (f", {skipped} skipped" if skipped else ""))
 sys.exit(1 if failed else 0)

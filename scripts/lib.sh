@@ -25,15 +25,27 @@ missing_packages() {
     comm -23 <(printf '%s\n' "$@" | sort -u) <(printf '%s\n' "$installed")
 }
 
-# ensure_packages LIST... installs what is named in the lists and not there yet.
+# Of the given packages that are not installed, those that this system has.
+offered_packages() {
+    local package
+    for package in $(missing_packages "$@"); do
+        apt-cache show --no-all-versions "$package" >/dev/null 2>&1 && printf '%s\n' "$package"
+    done
+    return 0
+}
+
+# ensure_packages LIST... installs what is named in the lists and not there yet. What has a "?" behind its name is left out
+# on a system that has no such package.
 ensure_packages() {
-    local wanted missing administrator=()
-    mapfile -t wanted < <(listed_packages "$@")
+    local names wanted optional missing administrator=()
+    mapfile -t names < <(listed_packages "$@")
+    mapfile -t wanted < <(printf '%s\n' "${names[@]}" | grep --invert-match '?$')
+    mapfile -t optional < <(printf '%s\n' "${names[@]}" | sed -n 's/?$//p')
     if ! command -v dpkg-query >/dev/null; then
-        say "This is no Debian system; what is needed here is called there: ${wanted[*]}"
+        say "This is no Debian system; what is needed here is called there: ${wanted[*]} ${optional[*]}"
         return
     fi
-    mapfile -t missing < <(missing_packages "${wanted[@]}")
+    mapfile -t missing < <(missing_packages "${wanted[@]}" && offered_packages "${optional[@]}")
     [[ ${#missing[@]} -eq 0 ]] && return
     say "Installing ${missing[*]}"
     if [[ $EUID -ne 0 ]]; then
@@ -41,20 +53,23 @@ ensure_packages() {
         administrator=(sudo)
     fi
     "${administrator[@]}" apt-get update --quiet=2
+    mapfile -t missing < <(missing_packages "${wanted[@]}" && offered_packages "${optional[@]}")
     "${administrator[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}"
 }
 
-# build_preset PRESET [TARGET...] configures a preset if that has not been done, and builds all of it or the targets.
-# Ninja configures again by itself when a CMake file has changed.
+# build_preset PRESET [TARGET...] configures a preset if that has not been done with the presets as they are, and builds all
+# of it or the targets. Ninja configures again by itself when a CMake file has changed.
 build_preset() {
     local preset=$1
     shift
-    local log="$repository/build/$preset-configure.log"
+    local folder=$repository/build/$preset log=$repository/build/$preset-configure.log
+    local presets=$repository/CMakePresets.json
     mkdir -p "$repository/build"
-    if [[ ! -f $repository/build/$preset/build.ninja ]]; then
+    if [[ ! -f $folder/build.ninja ]] || ! cmp --silent "$presets" "$folder/configured-with.json"; then
         say "Configuring $preset"
         (cd "$repository" && cmake --preset "$preset" >"$log" 2>&1) || { cat "$log" >&2; return 1; }
+        cp "$presets" "$folder/configured-with.json"
     fi
     say "Building $preset"
     (cd "$repository" && cmake --build --preset "$preset" ${1:+--target "$@"})
