@@ -29,16 +29,17 @@ void dropDeprecation(const char* domain, GLogLevelFlags level, const char* messa
         g_log_default_handler(domain, level, message, nullptr);
 }
 
-// From version 0.5.94 on the library calls itself deprecated, to the compiler and in each process, in favour of one that
-// older systems lack. Whoever runs the client can do nothing about that.
+// From version 0.5.94 on the library calls itself deprecated, to the compiler and in each process, in favour of one
+// that older systems lack. Whoever runs the client can do nothing about that.
 AppIndicator* newIndicator(const std::filesystem::path& images)
 {
     constexpr auto domain = "libayatana-appindicator";
     const auto handler = g_log_set_handler(domain, G_LOG_LEVEL_WARNING, dropDeprecation, nullptr);
-    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
-    auto* const indicator = app_indicator_new_with_path("brevanta", iconName(StatusImage::unknown),
-        APP_INDICATOR_CATEGORY_APPLICATION_STATUS, images.c_str());
-    G_GNUC_END_IGNORE_DEPRECATIONS
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    auto* const indicator = app_indicator_new_with_path(
+        "brevanta", iconName(StatusImage::unknown), APP_INDICATOR_CATEGORY_APPLICATION_STATUS, images.c_str());
+#pragma GCC diagnostic pop
     g_log_remove_handler(domain, handler);
     return indicator;
 }
