@@ -19,7 +19,8 @@ namespace fs = std::filesystem;
 constexpr Milliseconds patience { 10000 };
 constexpr auto alertTitle = "Install Brevanta in Applications";
 
-// Whether bwrap(1) is there and yet cannot mount anything, as in a root that is no mount point: chroot(2) into a folder.
+// Whether bwrap(1) is there and yet cannot mount anything, as in a root that is no mount point: chroot(2) into a
+// folder.
 static bool cannotMountHere()
 {
     const int status = std::system("bwrap --dev-bind / / true 2>/dev/null");
