@@ -45,7 +45,7 @@ static nlohmann::json defaultRecord(NoticeKind kind, std::int64_t identifier)
             { "body", "“Write the report” has run for 25 minutes." }, { "sound_prefix", "task-timer" },
             { "expires_in_seconds", 300 }, { "open", "/tasks/" + taskId } };
     case NoticeKind::rejection:
-        return { { "event_id", identifier }, { "task_id", taskId }, { "task_title", "Write the report" },
+        return { { "event_id", identifier }, { "task_id", taskId }, { "task_title", "Games" },
             { "closing_session_id", "session-" + number }, { "reason", "coins_depleted" },
             { "kind", "rejected_open" } };
     case NoticeKind::resume:

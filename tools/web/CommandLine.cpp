@@ -62,8 +62,9 @@ std::expected<CommandLine, ServiceError> CommandLine::parse(const std::vector<st
 {
     CommandLine result;
     Values values;
-    for (const auto* option : { "--listen", "--second-listen", "--http-listen", "--certificate", "--key",
-             "--other-certificate", "--other-key", "--control", "--pages", "--make-certificate", "--name" })
+    for (const auto* option :
+        { "--listen", "--second-listen", "--http-listen", "--certificate", "--key", "--other-certificate",
+            "--other-key", "--control", "--service-control", "--pages", "--make-certificate", "--name" })
         values[option];
     const std::map<std::string, bool*> switches { { "--stdin", &result.takesStandardInput },
         { "--driver", &result.hasDriver }, { "--log-requests", &result.logsRequests } };
@@ -99,6 +100,7 @@ std::expected<CommandLine, ServiceError> CommandLine::parse(const std::vector<st
     if (const auto taken = takeCertificates(result, values); !taken)
         return std::unexpected(taken.error());
     result.controlPath = values["--control"].value_or("");
+    result.serviceControlPath = values["--service-control"].value_or("");
     result.pagesDirectory = values["--pages"].value_or("");
     return result;
 }
@@ -118,6 +120,7 @@ A stand-in for the service's web server: serves the demo application over HTTPS 
   --second-listen PORT      serve https on this port too, as another origin
   --http-listen PORT        serve plain http on this port too
   --control PATH            take commands on this Unix-domain socket, one answer line for each line
+  --service-control PATH    serve at /day what the stand-in service that is driven there says of the day
   --stdin                   take commands on standard input, and answer them on standard output
   --pages DIRECTORY         serve the files of this directory below /pages/
   --driver                  the application takes the command `evaluate`

@@ -21,7 +21,8 @@ struct CommandLine {
     std::optional<std::uint16_t> plainPort {};
     CertificateFiles certificate {};
     std::optional<CertificateFiles> otherCertificate {};
-    std::string controlPath {}; // Empty for none, as the next two.
+    std::string controlPath {}; // Empty for none, as the next three.
+    std::string serviceControlPath {};
     std::string pagesDirectory {};
     std::string certificateDirectory {};
     std::string certificateStem = "localhost";

@@ -47,10 +47,18 @@ static bool isBelow(const std::filesystem::path& path, const std::filesystem::pa
     return inDirectory == directory.end();
 }
 
-Site::Site(std::filesystem::path application, std::filesystem::path pages, DriverScript driverScript)
+// A file beside the pages which they may name; the driver's script is there for the driver alone.
+static bool isPartOfPages(const std::string& path)
+{
+    static constexpr std::array<std::string_view, 3> endings { ".css", ".js", ".svg" };
+    return path.starts_with('/') && path.find('/', 1) == std::string::npos && path != "/driver.js"
+        && std::ranges::find(endings, std::filesystem::path(path).extension().string()) != endings.end();
+}
+
+Site::Site(std::filesystem::path application, std::filesystem::path pages, Scripts scripts)
     : m_application(std::move(application))
     , m_pages(std::move(pages))
-    , m_driverScript(driverScript)
+    , m_scripts(scripts)
 {
 }
 
@@ -59,9 +67,6 @@ std::optional<SiteFile> Site::find(const std::string& escapedPath) const
     static constexpr std::pair<std::string_view, const char*> routes[] = {
         { "/", "index.html" },
         { "/sign-in", "sign-in.html" },
-        { "/style.css", "style.css" },
-        { "/app.js", "app.js" },
-        { "/logo.svg", "logo.svg" },
     };
     // An escaped slash or zero would hide from what looks at the path's segments.
     const GLibPointer<char> unescaped(g_uri_unescape_string(escapedPath.c_str(), "/"));
@@ -71,7 +76,9 @@ std::optional<SiteFile> Site::find(const std::string& escapedPath) const
     if (path.starts_with(pagesPrefix))
         return findPage(path.substr(pagesPrefix.size()));
     const auto* found = std::ranges::find(routes, path, &std::pair<std::string_view, const char*>::first);
-    return found == std::end(routes) ? std::nullopt : applicationFile(found->second);
+    if (found != std::end(routes))
+        return applicationFile(found->second);
+    return isPartOfPages(path) ? applicationFile(path.substr(1)) : std::nullopt;
 }
 
 std::optional<SiteFile> Site::findPage(const std::string& name) const
@@ -94,16 +101,19 @@ std::optional<SiteFile> Site::findPage(const std::string& name) const
     return SiteFile { .contentType = contentTypeOf(path), .body = std::move(*body), .isPartOfApplication = false };
 }
 
-std::optional<SiteFile> Site::applicationFile(const char* name) const
+std::optional<SiteFile> Site::applicationFile(const std::string& name) const
 {
     static constexpr std::string_view endOfHead = "</head>";
     const auto path = m_application / name;
     auto body = contentsOf(path);
     if (!body)
         return std::nullopt;
-    if (m_driverScript == DriverScript::included && path.extension() == ".html") {
+    if (path.extension() == ".html") {
+        std::string scripts
+            = m_scripts.day && name == "index.html" ? "<script src=\"/day.js\" type=\"module\"></script>\n" : "";
+        scripts += m_scripts.driver ? "<script src=\"/driver.js\" defer></script>\n" : "";
         if (const auto position = body->find(endOfHead); position != std::string::npos)
-            body->insert(position, "<script src=\"/driver.js\" defer></script>\n");
+            body->insert(position, scripts);
     }
     return SiteFile { .contentType = contentTypeOf(path), .body = std::move(*body), .isPartOfApplication = true };
 }

@@ -95,6 +95,9 @@ void WebServer::handle(SoupServerMessage* message)
     }
     if (m_options.driver && path.starts_with("/driver/"))
         return m_options.driver->handle(message, path);
+    // The page asks there again and again; a misbehaviour is for the application's own files.
+    if (m_options.backEnd && path == "/day")
+        return m_options.backEnd->handle(message);
 
     note(message, path);
     if (const auto misbehaviour = takeMisbehaviour())
@@ -179,7 +182,7 @@ void WebServer::send(SoupServerMessage* message, const SiteFile& file)
         return;
     std::string policy = "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
                          "base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
-    if (m_options.driver)
+    if (m_options.driver || m_options.backEnd)
         policy += "; connect-src 'self'";
     addHeader(message, "Content-Security-Policy", policy.c_str());
     addHeader(message, "Referrer-Policy", "no-referrer");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/ServiceError.h"
+#include "web/BackEnd.h"
 #include "web/EventSource.h"
 #include "web/GLibPointers.h"
 #include "web/LoopbackPort.h"
@@ -30,6 +31,7 @@ public:
         GLibPointer<GTlsCertificate> otherCertificate {}; // May be none.
         Site site;
         std::unique_ptr<PageDriver> driver {}; // None: there is nothing below /driver/.
+        std::optional<BackEnd> backEnd {}; // None: there is nothing at /day.
         // Takes the lines of the request log, if there is to be one.
         std::function<void(const std::string& line)> print {};
     };

@@ -61,13 +61,16 @@ static std::expected<WebServer::Options, ServiceError> makeOptions(const Command
             return std::unexpected(loaded.error());
         otherCertificate = std::move(*loaded);
     }
+    Site::Scripts scripts;
+    scripts.driver = commandLine.hasDriver;
+    scripts.day = !commandLine.serviceControlPath.empty();
     return WebServer::Options {
         .ports = std::move(*ports),
         .certificate = std::move(*certificate),
         .otherCertificate = std::move(otherCertificate),
-        .site = Site(BREVANTA_WEB_SITE, commandLine.pagesDirectory,
-            commandLine.hasDriver ? Site::DriverScript::included : Site::DriverScript::leftOut),
+        .site = Site(BREVANTA_WEB_SITE, commandLine.pagesDirectory, scripts),
         .driver = commandLine.hasDriver ? std::make_unique<PageDriver>() : nullptr,
+        .backEnd = scripts.day ? std::optional<BackEnd>(commandLine.serviceControlPath) : std::nullopt,
         .print = commandLine.logsRequests ? print : std::function<void(const std::string&)>(),
     };
 }

@@ -9,7 +9,7 @@ static constexpr Milliseconds startTime { 20000 };
 ClientBench::ClientBench(ClientBenchOptions options)
     : m_options(std::move(options))
     , m_service(serviceExecutable())
-    , m_web(webExecutable(), m_options.pagesFolder)
+    , m_web(webExecutable(), m_service.controlPath(), m_options.pagesFolder)
 {
 }
 

@@ -11,6 +11,7 @@ public:
     // Not running yet. An empty scenario path runs none.
     explicit StandInService(std::string executable, std::string scenarioPath = {});
 
+    [[nodiscard]] std::string controlPath() const { return (m_directory.path() / "control.sock").string(); }
     [[nodiscard]] std::string socketPath() const { return (m_directory.path() / "service.sock").string(); }
 
     // Starts the process, once more after `stop` or `kill`, and waits until it can be talked to.
@@ -32,8 +33,6 @@ public:
     [[nodiscard]] std::expected<std::size_t, std::string> requestCount(const std::string& type) const;
 
 private:
-    [[nodiscard]] std::string controlPath() const { return (m_directory.path() / "control.sock").string(); }
-
     std::string m_executable;
     std::string m_scenarioPath;
     TemporaryDirectory m_directory;

@@ -25,8 +25,9 @@ static std::string portOf(const std::string& url)
     return colon == std::string::npos ? "0" : url.substr(colon + 1, url.rfind('/') - colon - 1);
 }
 
-StandInWeb::StandInWeb(std::string executable, std::string pagesFolder)
+StandInWeb::StandInWeb(std::string executable, std::string serviceControlPath, std::string pagesFolder)
     : m_executable(std::move(executable))
+    , m_serviceControlPath(std::move(serviceControlPath))
     , m_pagesFolder(std::move(pagesFolder))
 {
 }
@@ -55,7 +56,7 @@ std::expected<void, std::string> StandInWeb::start()
     std::vector<std::string> arguments { m_executable, "--listen", portOf(m_url), "--second-listen",
         portOf(m_secondUrl), "--http-listen", portOf(m_plainUrl), "--certificate", file("own.pem"), "--key",
         file("own-key.pem"), "--other-certificate", file("other.pem"), "--other-key", file("other-key.pem"),
-        "--control", controlPath(), "--driver" };
+        "--control", controlPath(), "--service-control", m_serviceControlPath, "--driver" };
     if (!m_pagesFolder.empty())
         arguments.insert(arguments.end(), { "--pages", m_pagesFolder });
     auto process = ChildProcess::start({ .arguments = std::move(arguments), .environment = neutralEnvironment() });

@@ -8,8 +8,9 @@ namespace brevanta::functional {
 // The stand-in for the web server, and the commands that drive it and the page that it serves.
 class StandInWeb {
 public:
-    // Not running yet. An empty folder of pages serves none but the demo application.
-    explicit StandInWeb(std::string executable, std::string pagesFolder = {});
+    // Not running yet. The back end is the stand-in service that takes commands at the path. An empty folder of pages
+    // serves none but the demo application.
+    StandInWeb(std::string executable, std::string serviceControlPath, std::string pagesFolder);
 
     // Starts the process, once more on the same ports after `stop`, and waits until it can be talked to.
     [[nodiscard]] std::expected<void, std::string> start();
@@ -38,6 +39,7 @@ private:
     [[nodiscard]] std::string controlPath() const { return (m_directory.path() / "control.sock").string(); }
 
     std::string m_executable;
+    std::string m_serviceControlPath;
     std::string m_pagesFolder;
     TemporaryDirectory m_directory;
     std::string m_url;

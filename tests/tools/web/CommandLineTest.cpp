@@ -8,7 +8,7 @@ TEST(WebCommandLine, EveryOptionIsTaken)
 {
     const auto parsed = CommandLine::parse({ "--listen", "1", "--second-listen", "2", "--http-listen", "0",
         "--certificate", "c", "--key", "k", "--other-certificate", "oc", "--other-key", "ok", "--control", "s",
-        "--pages", "p", "--stdin", "--driver", "--log-requests" });
+        "--service-control", "sc", "--pages", "p", "--stdin", "--driver", "--log-requests" });
     ASSERT_TRUE(parsed) << parsed.error().message;
     EXPECT_EQ(parsed->purpose, CommandLine::Purpose::serve);
     EXPECT_EQ(parsed->port, 1);
@@ -20,6 +20,7 @@ TEST(WebCommandLine, EveryOptionIsTaken)
     EXPECT_EQ(parsed->otherCertificate->certificate, "oc");
     EXPECT_EQ(parsed->otherCertificate->key, "ok");
     EXPECT_EQ(parsed->controlPath, "s");
+    EXPECT_EQ(parsed->serviceControlPath, "sc");
     EXPECT_EQ(parsed->pagesDirectory, "p");
     EXPECT_TRUE(parsed->takesStandardInput && parsed->hasDriver && parsed->logsRequests);
 

@@ -1,9 +1,12 @@
 #include "WebTool.h"
+#include "support/BrevantaClient.h"
+#include "support/StandInService.h"
 
 #include <arpa/inet.h>
 #include <array>
 #include <fstream>
 #include <netinet/in.h>
+#include <nlohmann/json.hpp>
 #include <sys/socket.h>
 
 namespace brevanta::web {
@@ -44,13 +47,15 @@ TEST_F(WebToolSite, TheApplicationIsServedUnderAStrictPolicy)
     static constexpr Row rows[] = {
         { "/", 200, "<title>Brevanta</title>" },
         { "/?from=link", 200, "<title>Brevanta</title>" },
-        { "/style.css", 200, "prefers-color-scheme: dark" },
-        { "/app.js", 200, "kestreluneNav" },
+        { "/base.css", 200, "prefers-color-scheme: dark" },
+        { "/app.js", 200, "window.demo" },
+        { "/bridge.js", 200, "kestreluneNav" },
         { "/logo.svg", 200, "<svg" },
         { "/sign-in", 200, "href=\"/\"" },
         { "/driver.js", 200, "/driver/next" },
         { "/index.html", 404, "404" },
         { "/elsewhere", 404, "404" },
+        { "/day", 404, "404" },
         { "/pages/none.html", 404, "404" },
     };
     const auto client = this->client();
@@ -104,6 +109,26 @@ TEST_F(WebToolWithoutDriver, ThereIsNothingOfTheDriver)
     EXPECT_EQ(client.get(url("/driver.js")).status, 404u);
     EXPECT_EQ(client.get(url("/driver/next")).status, 404u);
     EXPECT_EQ(command("evaluate 1"), "error: there is no driver; see --driver");
+}
+
+TEST_F(WebToolWithoutDriver, TheBackEndTellsTheDayWithoutTheTokenForAsLongAsThereIsAService)
+{
+    functional::StandInService service(functional::serviceExecutable());
+    ASSERT_TRUE(service.start());
+    start({ "--service-control", service.controlPath() });
+    ASSERT_TRUE(service.command("task Write “the report” 30"));
+    // Far more than a socket holds.
+    ASSERT_TRUE(service.command("list auto_track_apps 200000"));
+    const auto client = this->client();
+    EXPECT_NE(client.get(url("/")).body.find("\"/day.js\""), std::string::npos);
+    const auto day = nlohmann::json::parse(client.get(url("/day")).body, nullptr, false);
+    ASSERT_TRUE(day.is_object());
+    EXPECT_EQ(day.value("active_task_title", ""), "Write “the report”");
+    EXPECT_EQ(day.value("auto_track_apps_count", 0), 200000);
+    EXPECT_FALSE(day.contains("block_reason"));
+    EXPECT_EQ(day.dump().find("stand-in-token"), std::string::npos);
+    service.stop();
+    EXPECT_EQ(client.get(url("/day")).status, 503u);
 }
 
 }
