@@ -10,6 +10,14 @@ protected:
         WebTest::SetUp();
         ASSERT_TRUE(showsPage());
     }
+
+    // Presses a button of the page, which must be one that can be pressed.
+    void press(const std::string& selector)
+    {
+        const auto enabled = "document.querySelector('" + selector + ":enabled') !== null";
+        EXPECT_TRUE(web().awaitTrue(enabled)) << selector;
+        EXPECT_EQ(web().evaluate("(document.querySelector('" + selector + "').click(), true)"), "true");
+    }
 };
 
 TEST_F(PageBridgeTest, signingInReachesTheServiceWithAndWithoutADevice)
@@ -52,15 +60,18 @@ TEST_F(PageBridgeTest, everyStateIsAnswered)
     }
 }
 
-TEST_F(PageBridgeTest, forceSyncAndRemovalReachTheService)
+TEST_F(PageBridgeTest, thePagesButtonsSynchroniseAskForARemovalAndTakeItBack)
 {
-    post("{ type: 'force_sync' }");
+    press("#settings [data-message=force_sync]");
     ASSERT_TRUE(service().command("await force_sync 1"));
     EXPECT_TRUE(logs("[KestreluneMac] force_sync bridge: daemon accepted"));
-    listenFor("kestrelune_removal_state");
-    post("{ type: 'request_uninstall', account: '1234' }");
+    press("#leave");
+    press("#settings [data-message=request_uninstall]");
     ASSERT_TRUE(service().command("await queue_removal 1"));
-    EXPECT_TRUE(web().awaitTrue("window.heard.some((e) => e.detail.state === 'pending')"));
+    ASSERT_TRUE(web().awaitTrue("!document.getElementById('keep-service').closest('[hidden]')"));
+    press("#keep-service");
+    ASSERT_TRUE(service().command("await cancel_removal 1"));
+    EXPECT_TRUE(web().awaitTrue("document.getElementById('removal-note').hidden"));
 }
 
 TEST_F(PageBridgeTest, aLinkToAnOutsideSiteOpensOutsideAndThePageStays)

@@ -1,4 +1,4 @@
-#include "ClientTest.h"
+#include "WebTest.h"
 
 #include <array>
 
@@ -6,7 +6,7 @@ namespace brevanta::functional {
 
 using Clock = std::chrono::steady_clock;
 
-using ServiceTroubleTest = ClientTest;
+using ServiceTroubleTest = WebTest;
 
 static constexpr auto starting = "Blocking service starting";
 static constexpr auto unreachable = "Blocking service unreachable";
@@ -34,15 +34,19 @@ TEST_F(ServiceTroubleTest, aStoppedServiceIsShownAsSuchUntilItIsBack)
     EXPECT_TRUE(showsDescription(notBlocking));
 }
 
-TEST_F(ServiceTroubleTest, aKilledServiceIsFoundAgainAtItsOldSocket)
+TEST_F(ServiceTroubleTest, aKilledServiceIsFoundAgainAtItsOldSocketAndThePageCallsWhatIsOldOld)
 {
     ASSERT_TRUE(showsDescription(notBlocking));
+    ASSERT_TRUE(web().awaitTrue("document.getElementById('blocking').dataset.state === 'open'", pagePatience));
     service().kill();
     ASSERT_TRUE(showsDescription(statusUnknown));
+    EXPECT_TRUE(web().awaitTrue("document.getElementById('blocking').dataset.state === 'old'"));
+    EXPECT_TRUE(web().awaitTrue("document.getElementById('as-of').textContent.startsWith('as of')"));
     const auto started = service().start();
     ASSERT_TRUE(started) << started.error();
     tell("block on situation");
     EXPECT_TRUE(showsDescription(blocking));
+    EXPECT_TRUE(web().awaitTrue("document.getElementById('sentence').textContent.includes('a situation of yours')"));
 }
 
 class AbsentServiceTest : public ClientTest {
