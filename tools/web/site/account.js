@@ -49,7 +49,8 @@ function showSession() {
         return;
     setText('avatar', [...session.name][0]?.toUpperCase() ?? '');
     setText('account-name', session.name);
-    setText('account-detail', session.isBound ? `Bound to ${window.__kestreluneDevice?.name ?? 'this device'}` : 'Signed in');
+    const device = window.__kestreluneDevice?.name ?? 'this device';
+    setText('account-detail', session.isBound ? `Bound to ${device}` : 'Signed in');
 }
 
 function signIn(event) {

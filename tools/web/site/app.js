@@ -43,8 +43,8 @@ byId('outside-note').hidden = isInsideApp;
 for (const id of ['columns', 'settings'])
     byId(id).hidden = !isInsideApp;
 takeNavigation();
-for (const type of ['get_blocking_status', 'get_device_setup_state', 'get_updater_state', 'get_removal_state', 'get_notification_status'])
-    post({ type });
+for (const state of ['blocking_status', 'device_setup_state', 'updater_state', 'removal_state', 'notification_status'])
+    post({ type: `get_${state}` });
 
 // For a driver, which may go on from here.
 window.demo = Object.defineProperty(record, 'session', { get: readSession });

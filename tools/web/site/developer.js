@@ -6,7 +6,8 @@ import { isInsideApp, names, on, whenHeard, whenSent } from './bridge.js';
 const mostListedEvents = 100;
 
 const groups = [
-    ['Status', [['get_blocking_status', 'Blocking status'], ['force_sync', 'Sync now'], ['get_device_setup_state', 'Device setup']]],
+    ['Status', [['get_blocking_status', 'Blocking status'], ['force_sync', 'Sync now'],
+        ['get_device_setup_state', 'Device setup']]],
     ['Components', [['setup_install_service', 'Install service'], ['setup_update_service', 'Update service'],
         ['setup_activate_filter', 'Activate filter'], ['setup_open_filter_settings', 'Filter settings'],
         ['setup_open_login_items', 'Login items'], ['remove_network_filter', 'Remove filter'],
@@ -14,9 +15,10 @@ const groups = [
         ['open_extension_store', 'Browser extension'], ['pick_app', 'Pick an app']]],
     ['Updates', [['get_updater_state', 'Updater state'], ['updater_check_now', 'Check now'],
         ['set_updater_auto_checks_on', 'Automatic on'], ['set_updater_auto_checks_off', 'Automatic off']]],
-    ['Notifications', [['get_notification_status', 'Permission'], ['request_notification_permission', 'Ask for permission'],
-        ['open_notification_settings', 'Open settings']]],
-    ['Removal', [['get_removal_state', 'Removal state'], ['request_uninstall', 'Request removal'], ['cancel_uninstall', 'Cancel removal']]],
+    ['Notifications', [['get_notification_status', 'Permission'],
+        ['request_notification_permission', 'Ask for permission'], ['open_notification_settings', 'Open settings']]],
+    ['Removal', [['get_removal_state', 'Removal state'], ['request_uninstall', 'Request removal'],
+        ['cancel_uninstall', 'Cancel removal']]],
 ];
 const navigations = [['take_pending_navigation', 'Take pending'], ['ack_navigation', 'Acknowledge last']];
 
@@ -40,7 +42,7 @@ function makeMessages() {
             continue;
         const label = element('label', 'inline', 'of action ');
         const input = element('input');
-        Object.assign(input, { id: 'action-id', type: 'text', inputMode: 'numeric', size: 6, autocomplete: 'off', placeholder: 'none' });
+        Object.assign(input, { id: 'action-id', type: 'text', inputMode: 'numeric', size: 6, placeholder: 'none' });
         label.append(input);
         group.append(label);
     }
@@ -57,7 +59,8 @@ function showPairs(id, value) {
     byId(id).replaceChildren(...rows.length ? rows : [element('div', 'quiet', 'Not told yet')]);
 }
 
-const facts = [['device', 'This device'], [names.setup, 'Set-up'], [names.updater, 'Updates'], [names.notifications, 'Notifications'], [names.removal, 'Removal']];
+const facts = [['device', 'This device'], [names.setup, 'Set-up'], [names.updater, 'Updates'],
+    [names.notifications, 'Notifications'], [names.removal, 'Removal']];
 
 function makeFacts() {
     for (const [id, title] of facts) {

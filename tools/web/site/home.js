@@ -39,7 +39,8 @@ function showMeter(energy, low, high) {
     const share = (value) => `${Math.min(100, Math.max(0, value / most * 100))}%`;
     meter.setAttribute('aria-valuemax', String(most));
     meter.setAttribute('aria-valuenow', String(Math.min(most, Math.max(0, energy))));
-    meter.setAttribute('aria-valuetext', `${coinsText(energy)} coins; low below ${coinsText(low)}, plenty from ${coinsText(high)}`);
+    meter.setAttribute('aria-valuetext',
+        `${coinsText(energy)} coins; low at ${coinsText(low)}, restored at ${coinsText(high)}`);
     byId('meter-fill').style.width = share(energy);
     byId('meter-low').style.left = share(low);
     byId('meter-high').style.left = share(high);
@@ -51,7 +52,9 @@ function showMeter(energy, low, high) {
 function trend() {
     const first = recent[0];
     const last = recent.at(-1);
-    return first && last.at - first.at >= shortestTrend ? (last.energy - first.energy) / (last.at - first.at) * 60000 : null;
+    if (!first || last.at - first.at < shortestTrend)
+        return null;
+    return (last.energy - first.energy) / (last.at - first.at) * 60000;
 }
 
 function trendText(perMinute, energy) {
@@ -72,7 +75,8 @@ function showTask(day) {
     setText('task-title', hasTask ? title : String(sessions[0]?.bundle_id ?? ''));
     const rate = day?.active_task_earn_rate;
     const earns = hasTask && typeof rate === 'number' && rate > 0;
-    setText('task-rate', earns ? `earns ${quantity(rate, 'coin', 'coins')} a minute` : hasTask ? '' : 'its time is counted');
+    const untitled = hasTask ? '' : 'its time is counted';
+    setText('task-rate', earns ? `earns ${quantity(rate, 'coin', 'coins')} a minute` : untitled);
 }
 
 function showDay(day) {

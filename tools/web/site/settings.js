@@ -18,22 +18,24 @@ const queueErrors = {
     account_mismatch: 'The blocking service belongs to another account.',
 };
 
+const lapse = (expiresAt) => typeof expiresAt === 'number'
+    ? ` If nothing comes of it, the request lapses at ${shortTime(expiresAt * 1000)}.`
+    : '';
+
 // The title and the text of each step of a removal; both are functions of the state.
 const removals = {
-    pending: ['The blocking service will be removed', ({ expiresAt }) => `You can still keep it.${typeof expiresAt === 'number' ? ` If nothing comes of it, the request lapses at ${shortTime(expiresAt * 1000)}.` : ''}`],
+    pending: ['The blocking service will be removed', ({ expiresAt }) => `You can still keep it.${lapse(expiresAt)}`],
     committed: ['The blocking service is about to be removed', () => 'It can no longer be kept.'],
-    finishing: ['The blocking service is being removed', ({ blockingOff }) => blockingOff ? 'Nothing is blocked any more.' : 'This takes about a minute.'],
-    removed: ['The blocking service has been removed', () => 'Nothing is blocked on this Mac. You may install it again at any time.'],
+    finishing: ['The blocking service is being removed',
+        ({ blockingOff }) => blockingOff ? 'Nothing is blocked any more.' : 'This takes about a minute.'],
+    removed: ['The blocking service has been removed',
+        () => 'Nothing is blocked on this Mac. You may install it again at any time.'],
 };
-
-// The removal's number, for the message that takes it back; empty for none.
-export const action = { id: '' };
 
 function removalArrived(detail) {
     const state = typeof detail?.state === 'string' ? detail.state : 'unavailable';
     const words = Object.hasOwn(removals, state) ? removals[state] : null;
-    action.id = detail?.actionId ?? '';
-    byId('action-id').value = String(action.id);
+    byId('action-id').value = String(detail?.actionId ?? '');
     const mayRemoveFilter = state === 'removed' && detail.filterRemovable === true;
     byId('removal-note').hidden = !words;
     byId('removal-note').dataset.state = state;

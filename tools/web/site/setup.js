@@ -12,7 +12,8 @@ const service = {
     running: done('Running'),
     checking: wait('Checking…'),
     starting: wait('Starting…'),
-    notInstalled: todo('It does the blocking. An administrator’s password is asked for.', 'Install', 'setup_install_service'),
+    notInstalled: todo('It does the blocking. An administrator’s password is asked for.', 'Install',
+        'setup_install_service'),
     notRunning: todo('Installed, but not running', 'Restart', 'setup_install_service'),
     unreachable: todo('It does not answer', 'Restart', 'setup_install_service'),
     turnedOffInSettings: todo('Turned off in System Settings', 'Open Settings', 'setup_open_login_items'),
@@ -33,7 +34,10 @@ const notifications = {
     denied: todo('Not allowed', 'Open Settings', 'open_notification_settings'),
 };
 
-const extension = { state: 'extra', text: 'Optional: explains a blocked page in the browser', label: 'Get it', message: 'open_extension_store' };
+const extension = {
+    ...todo('Optional: explains a blocked page in the browser', 'Get it', 'open_extension_store'),
+    state: 'extra',
+};
 
 const known = { setup: null, authorization: null };
 
@@ -41,7 +45,9 @@ const marks = { done: '✓', wait: '…', todo: '!', extra: '+' };
 const markNames = { done: 'done', wait: 'please wait', todo: 'to do', extra: 'optional' };
 const running = { setup_install_service: 'Installing…', setup_update_service: 'Updating…' };
 
-const lookUp = (table, word) => typeof word === 'string' && Object.hasOwn(table, word) ? table[word] : wait('Not known yet');
+function lookUp(table, word) {
+    return typeof word === 'string' && Object.hasOwn(table, word) ? table[word] : wait('Not known yet');
+}
 
 function steps() {
     const setup = known.setup;
@@ -62,7 +68,8 @@ function steps() {
 function isOffered(step) {
     if (!step.message || !isInsideApp)
         return false;
-    return !step.message.startsWith('setup_') || (Array.isArray(known.setup?.actions) && known.setup.actions.includes(step.message));
+    const actions = known.setup?.actions;
+    return !step.message.startsWith('setup_') || (Array.isArray(actions) && actions.includes(step.message));
 }
 
 function makeStep(id, title) {

@@ -60,7 +60,8 @@ const reasons = { coins_depleted: 'no coins are left', daily_cap: 'today’s tim
 const kinds = [
     ['pending_reminders', 'reminder', 'event_id', (notice) => [notice.notification_title ?? notice.title, notice.body]],
     ['pending_local_alerts', 'reminder', 'alert_id', (notice) => [notice.notification_title, notice.body]],
-    ['pending_app_rejections', 'rejection', 'event_id', (notice) => [`“${notice.task_title ?? 'An app'}” was not opened`, reasons[notice.reason]]],
+    ['pending_app_rejections', 'rejection', 'event_id',
+        (notice) => [`“${notice.task_title ?? 'An app'}” was not opened`, reasons[notice.reason]]],
     ['pending_task_resumes', 'service', 'event_id', (notice) => [`Back to “${notice.task_title ?? 'your task'}”`]],
 ];
 

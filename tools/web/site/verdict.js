@@ -40,6 +40,8 @@ function blockingSentence(status, day) {
     return status.energy > 0 ? 'Your rules hold right now.' : 'Blocking now, and no coins are left.';
 }
 
+const lookUp = (table, word) => typeof word === 'string' && Object.hasOwn(table, word) ? table[word] : undefined;
+
 const old = (pill, sentence, asOf = '') => ({ state: 'old', pill, sentence, asOf });
 
 // `heard`: the last status with `at`, when it came; null for none. `service`: the word for the service in the state of
@@ -57,12 +59,15 @@ export function verdict({ heard, day, service, removal, openedAt }, now) {
         return old('Removed', 'The blocking service has been removed. Nothing is blocked on this Mac.');
     const since = heard?.at ?? openedAt;
     const isKnownAway = ['notInstalled', 'installing', 'turnedOffInSettings'].includes(service);
-    if (!heard && now - openedAt < believedFor && !isKnownAway)
-        return { state: 'unknown', pill: 'Looking around', sentence: 'Asking the blocking service how things are.', asOf: '' };
-    const why = silence[service] ?? 'The blocking service does not answer.';
-    const pill = words[service] ?? 'No answer';
+    if (!heard && now - openedAt < believedFor && !isKnownAway) {
+        const sentence = 'Asking the blocking service how things are.';
+        return { state: 'unknown', pill: 'Looking around', sentence, asOf: '' };
+    }
+    const why = lookUp(silence, service) ?? 'The blocking service does not answer.';
+    const pill = lookUp(words, service) ?? 'No answer';
     if (!heard)
         return old(pill, why, isKnownAway ? '' : `nothing heard for ${duration(now - since)}`);
-    const last = `At ${shortTime(since)} there were ${coinsText(heard.energy)} coins and ${heard.blocking ? 'it was blocking' : 'nothing was blocked'}.`;
+    const blocking = heard.blocking ? 'it was blocking' : 'nothing was blocked';
+    const last = `At ${shortTime(since)} there were ${coinsText(heard.energy)} coins and ${blocking}.`;
     return old(pill, `${why} ${last}`, `as of ${duration(now - since)} ago`);
 }
