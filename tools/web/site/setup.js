@@ -114,6 +114,9 @@ function showSteps() {
     const needed = all.filter(([, , step]) => step.state !== 'extra');
     const finished = needed.filter(([, , step]) => step.state === 'done').length;
     setText('setup-progress', finished === needed.length ? 'All set' : `${finished} of ${needed.length}`);
+    setText('navigation', finished === needed.length
+        ? 'A link has led you here. Everything is set up.'
+        : 'A link has led you here. Go through the steps at your own pace.');
     byId('setup').dataset.state = finished === needed.length ? 'done' : 'todo';
 }
 
@@ -144,6 +147,7 @@ export const acknowledgeAgain = () => ask({ type: 'ack_navigation', token: lastT
 
 function endGuide() {
     byId('guide').hidden = true;
+    byId('setup').focus();
     post({ type: 'setup_onboarding_ended' });
 }
 
