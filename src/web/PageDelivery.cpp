@@ -16,7 +16,9 @@ PageDelivery::PageDelivery(WebView& webView, const TrustedOrigins& origins, Syst
 ScriptDelivery PageDelivery::deliver(const std::string& script)
 {
     const auto url = m_webView.committedUrl();
-    if (url && m_origins.isBridgeTrusted(*url)) {
+    if (!url) // Nobody is there to be told or to be refused: before the first page, and after one whose process ended.
+        return ScriptDelivery::refused;
+    if (m_origins.isBridgeTrusted(*url)) {
         m_refusedLast = false;
         m_webView.evaluate(script);
         return ScriptDelivery::handedOver;

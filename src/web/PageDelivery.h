@@ -16,8 +16,9 @@ class PageDelivery {
 public:
     PageDelivery(WebView& webView, const TrustedOrigins& origins, SystemLog& log);
 
-    // Evaluates the script without waiting for a result; refused, with a line in the log, while the document is not to
-    // be trusted. A row of refusals is logged once: the poll would say the same every two seconds.
+    // Evaluates the script without waiting for a result; refused while there is no document, and, with a line in the
+    // log, while the one that is there is not to be trusted. A row of these is logged once: the poll would say the same
+    // every two seconds.
     ScriptDelivery deliver(const std::string& script);
 
 private:
