@@ -128,7 +128,7 @@ Run runApplication(
     WorkspaceGtk workspace(mainLoop, configuration.root);
     const auto identity = desktopIdentity(configuration, resources);
     SerialQueue soundQueue(queueThread("com.brevanta.sound"));
-    SoundPlayerGtk soundPlayer(soundQueue, identity.name);
+    SoundPlayerGtk soundPlayer(soundQueue, identity.name, *log);
     NotificationCenterGtk notifications(session.bus->gobj(), identity,
         { .folders = { homeFolder(configuration) / "Library/Sounds", resources },
             .play = [&soundPlayer](const DesktopSound& sound) { soundPlayer.play(sound); } });

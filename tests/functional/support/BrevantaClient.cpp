@@ -81,12 +81,8 @@ std::expected<void, std::string> BrevantaClient::installBrowser() const
     return defaults ? std::expected<void, std::string>() : std::unexpected("no browser could be installed");
 }
 
-std::filesystem::path BrevantaClient::soundConfiguration() const { return m_directory.path() / "asound.conf"; }
-
-// A card that plays into the void, as the sound library of a machine without any would fill the log with complaints.
-void BrevantaClient::installSoundCard() const { std::ofstream(soundConfiguration()) << "pcm.!default { type null }\n"; }
-
-// The desktop entry that was built with the bundle, for the copy of the bundle. A client in no bundle has none.
+// What the build leaves for desktops beside the bundle, with the entry for the copy of the bundle. A client in no
+// bundle has nothing of this.
 std::expected<void, std::string> BrevantaClient::installDesktopEntry() const
 {
     const std::filesystem::path built = m_options.executable;
@@ -129,7 +125,7 @@ std::vector<std::string> BrevantaClient::environment(Session session) const
     set("NO_AT_BRIDGE", "1");
     set("GTK_A11Y", "none");
     set("GSETTINGS_BACKEND", "memory");
-    set("ALSA_CONFIG_PATH", soundConfiguration().string());
+    set("ALSA_CONFIG_PATH", "/dev/null"); // No sound system, whose library would say so on the standard error.
     set("GIO_USE_VFS", "local");
     // Without an address GIO would look for a bus of the user's session, or start one.
     const bool hasBus = session == Session::desktop && !m_options.busAddress.empty();
@@ -202,7 +198,6 @@ std::expected<void, std::string> BrevantaClient::start()
     if (!executable)
         return std::unexpected(executable.error());
     m_executable = *executable;
-    installSoundCard();
     if (auto browser = installBrowser(); !browser)
         return browser;
     if (auto entry = installDesktopEntry(); !entry)

@@ -78,8 +78,6 @@ private:
     [[nodiscard]] std::optional<pid_t> webProcess() const;
     [[nodiscard]] std::expected<std::string, std::string> installBundle();
     [[nodiscard]] std::vector<std::string> commandLine(const std::vector<std::string>& arguments) const;
-    [[nodiscard]] std::filesystem::path soundConfiguration() const;
-    void installSoundCard() const;
     [[nodiscard]] std::expected<void, std::string> installBrowser() const;
     [[nodiscard]] std::expected<void, std::string> installDesktopEntry() const;
     enum class Session { desktop, none };
