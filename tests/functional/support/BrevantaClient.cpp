@@ -76,8 +76,7 @@ std::expected<void, std::string> BrevantaClient::installBrowser() const
     defaults << "[Default Applications]\nx-scheme-handler/https=browser.desktop\n"
                 "x-scheme-handler/http=browser.desktop\n"
                 "x-scheme-handler/x-apple.systempreferences=browser.desktop\n"
-                "inode/directory=browser.desktop\n"
-             << "x-scheme-handler/brevanta=" << desktopEntryName << '\n';
+                "inode/directory=browser.desktop\n";
     return defaults ? std::expected<void, std::string>() : std::unexpected("no browser could be installed");
 }
 
@@ -85,18 +84,22 @@ std::expected<void, std::string> BrevantaClient::installBrowser() const
 // bundle has nothing of this.
 std::expected<void, std::string> BrevantaClient::installDesktopEntry() const
 {
-    const std::filesystem::path built = m_options.executable;
-    const auto entries = std::filesystem::path("share") / "applications" / desktopEntryName;
-    const auto builtRoot = built.parent_path() / ".." / ".." / ".." / "..";
-    std::ifstream source(builtRoot / entries);
-    if (!source)
+    namespace fs = std::filesystem;
+    const fs::path built = m_options.executable;
+    const auto builtShare = built.parent_path() / ".." / ".." / ".." / ".." / "share";
+    const auto share = root() / "share";
+    const auto entryFile = share / "applications" / desktopEntryName;
+    std::error_code error;
+    if (!fs::exists(builtShare, error))
         return {};
+    fs::copy(builtShare, share, fs::copy_options::recursive, error);
+    std::ifstream source(entryFile);
     std::string entry(std::istreambuf_iterator<char>(source), {});
     const auto place = entry.find(built.string());
     if (place == std::string::npos)
         return std::unexpected("the desktop entry does not start " + built.string());
     entry.replace(place, built.string().size(), m_executable);
-    std::ofstream(m_directory.path() / "home/.local" / entries) << entry;
+    std::ofstream(entryFile) << entry;
     return {};
 }
 
@@ -113,6 +116,7 @@ std::vector<std::string> BrevantaClient::environment(Session session) const
     set("XDG_CONFIG_HOME", directory + "/home/.config");
     set("XDG_DATA_HOME", directory + "/home/.local/share");
     set("XDG_CACHE_HOME", directory + "/home/.cache");
+    set("XDG_DATA_DIRS", (root() / "share").string() + ":/usr/local/share:/usr/share");
     set("BREVANTA_ROOT", directory + "/root");
     set("BREVANTA_SOCKET", m_options.socketPath);
     set("BREVANTA_APP_URL", m_options.appUrl);
