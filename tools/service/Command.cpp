@@ -25,7 +25,7 @@ std::expected<Command, ServiceError> parseCommand(std::string_view line)
         return fail("no command");
     const auto entry = findCommand(*name);
     if (!entry)
-        return fail("unknown command '" + *name + "'");
+        return fail("unknown command '" + *name + "' (see help)");
     auto command = entry->parse(words);
     if (command && !words.isAtEnd())
         command = misused();
@@ -40,7 +40,17 @@ std::string describeResult(const std::expected<std::string, ServiceError>& resul
 {
     if (!result)
         return "error: " + result.error().message;
+    if (result->ends_with('\n'))
+        return *result + "ok";
     return result->empty() ? "ok" : "ok " + *result;
+}
+
+std::string helpLine(std::string_view usage, std::string_view effect)
+{
+    constexpr std::size_t column = 44;
+    const auto gap
+        = usage.size() < column ? std::string(column - usage.size(), ' ') : '\n' + std::string(column + 2, ' ');
+    return "  " + std::string(usage) + gap + std::string(effect) + '\n';
 }
 
 }

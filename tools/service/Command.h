@@ -24,7 +24,11 @@ using Command = std::function<CommandResult(Service&)>;
 // Whether the command may have to wait, which nobody can do in a scenario.
 [[nodiscard]] bool isWaitingCommand(std::string_view line);
 
-// The answer as one line, without its newline: "ok", "ok VALUE" or "error: why".
+// The answer as one line, without its newline: "ok", "ok VALUE" or "error: why". A value of whole lines, which is help,
+// comes before its "ok".
 [[nodiscard]] std::string describeResult(const std::expected<std::string, ServiceError>&);
+
+// A command in such a help, with its newline. It begins with a space, as no other answer does.
+[[nodiscard]] std::string helpLine(std::string_view usage, std::string_view effect);
 
 }

@@ -42,7 +42,7 @@ std::expected<CommandLine, ServiceError> CommandLine::parse(const std::vector<st
                 value = arguments[++index];
             return value.has_value();
         };
-        if (argument == "--help" || argument == "-h")
+        if (argument == "--help" || argument == "-h" || argument == "help")
             return CommandLine { .purpose = Purpose::showHelp };
         if (argument == "--version")
             return CommandLine { .purpose = Purpose::showVersion };
@@ -103,6 +103,7 @@ A stand-in for the blocking service: answers its whole socket protocol, and is d
   --version             show the version
 
 Prints "listening on PATH" when it can be talked to. SIGTERM, SIGINT and the command `quit` end it.
+The command `help` lists the commands.
 Exit status: 0 ended as told, 1 cannot run, 2 wrong command line or scenario.
 )";
 }

@@ -13,6 +13,7 @@ using CommandParser = std::expected<Command, ServiceError> (*)(CommandWords&);
 struct CommandEntry {
     std::string_view name;
     std::string_view usage;
+    std::string_view effect;
     CommandParser parse;
 };
 

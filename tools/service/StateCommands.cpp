@@ -230,23 +230,32 @@ static ParsedCommand parseFilterAnswer(CommandWords& words)
 std::span<const CommandEntry> stateCommands()
 {
     static constexpr std::array entries {
-        CommandEntry { "set", "set KEY JSON", parseSet },
-        CommandEntry { "unset", "unset KEY", parseUnset },
-        CommandEntry { "restore", "restore KEY|all", parseRestore },
-        CommandEntry { "get", "get KEY", parseGet },
-        CommandEntry { "energy", "energy COINS", parseEnergy },
-        CommandEntry { "drain", "drain COINS-PER-SECOND", parseDrain },
-        CommandEntry { "block", "block on REASON | block off", parseBlock },
-        CommandEntry { "task", "task TITLE COINS-PER-MINUTE | task none", parseTask },
-        CommandEntry { "list", "list KEY COUNT", parseList },
-        CommandEntry { "token", "token accept | reject | accept-only TOKEN | expire", parseToken },
-        CommandEntry { "credential", "credential on | credential off", parseCredential },
-        CommandEntry { "version", "version TEXT | version none", parseVersion },
-        CommandEntry { "boot", "boot ID", parseBoot },
-        CommandEntry { "track", "track BUNDLE-ID SECONDS | track none", parseTrack },
-        CommandEntry { "queue", "queue reminder|alert|rejection|resume [for SECONDS] [JSON]", parseQueue },
-        CommandEntry { "clear", "clear queues|reminder|alert|rejection|resume", parseClear },
-        CommandEntry { "filter-answer", "filter-answer TEXT | none | auto", parseFilterAnswer },
+        CommandEntry { "set", "set KEY JSON", "gives a key of the status reply any value", parseSet },
+        CommandEntry { "unset", "unset KEY", "leaves a key out of the reply", parseUnset },
+        CommandEntry {
+            "restore", "restore KEY|all", "the state's own value again, whatever was set or left out", parseRestore },
+        CommandEntry { "get", "get KEY", "the key's present value", parseGet },
+        CommandEntry { "energy", "energy COINS", "sets the balance", parseEnergy },
+        CommandEntry { "drain", "drain COINS-PER-SECOND", "a metered app is in use; 0 ends it", parseDrain },
+        CommandEntry { "block", "block on REASON | block off", "blocks whatever the balance; lifts the present block",
+            parseBlock },
+        CommandEntry { "task", "task TITLE COINS-PER-MINUTE | task none",
+            "a task is active and earns; no task any more", parseTask },
+        CommandEntry { "list", "list KEY COUNT", "makes one of the long lists so long", parseList },
+        CommandEntry { "token", "token accept | reject | accept-only TOKEN | expire",
+            "which tokens are taken from now on; the held one becomes invalid", parseToken },
+        CommandEntry { "credential", "credential on | credential off", "holds a credential, or none", parseCredential },
+        CommandEntry {
+            "version", "version TEXT | version none", "the version that the service says it has", parseVersion },
+        CommandEntry { "boot", "boot ID", "the name of its run, by which a restart is told", parseBoot },
+        CommandEntry { "track", "track BUNDLE-ID SECONDS | track none",
+            "an application is tracked, with so much budget; closes all", parseTrack },
+        CommandEntry { "queue", "queue reminder|alert|rejection|resume [for SECONDS] [JSON]",
+            "queues a notice, a believable one without JSON", parseQueue },
+        CommandEntry {
+            "clear", "clear queues|reminder|alert|rejection|resume", "empties all queues or one", parseClear },
+        CommandEntry { "filter-answer", "filter-answer TEXT | none | auto",
+            "the answer to a filter report: always TEXT, none, or by looking at it", parseFilterAnswer },
     };
     return entries;
 }

@@ -139,6 +139,18 @@ static ParsedCommand parseAwait(CommandWords& words)
     };
 }
 
+static ParsedCommand parseHelp(CommandWords&)
+{
+    return [](Service&) -> CommandResult {
+        std::string lines;
+        for (const auto commands : { stateCommands(), trafficCommands() }) {
+            for (const auto& command : commands)
+                lines += helpLine(command.usage, command.effect);
+        }
+        return lines;
+    };
+}
+
 static ParsedCommand parseQuit(CommandWords&)
 {
     return doing([](Service& service) { service.quit(); });
@@ -150,14 +162,18 @@ std::span<const CommandEntry> trafficCommands()
         CommandEntry { "removal",
             "removal none | pending [SECONDS] | committed | finishing | hanging [SECONDS] | error TEXT|none"
             " | requesting on|off | account DIGITS|none | launch ID ORDER",
-            parseRemoval },
-        CommandEntry { "misbehave", "misbehave MODE [ARGUMENTS] [on TYPE] [times N]", parseMisbehave },
-        CommandEntry { "behave", "behave", parseBehave },
-        CommandEntry { "answer", "answer TYPE JSON | answer TYPE none", parseAnswer },
-        CommandEntry { "requests", "requests", parseRequests },
-        CommandEntry { "last-request", "last-request", parseLastRequest },
-        CommandEntry { "await", "await TYPE COUNT | await TYPE +COUNT", parseAwait },
-        CommandEntry { "quit", "quit", parseQuit },
+            "moves the removal of the service on", parseRemoval },
+        CommandEntry { "misbehave", "misbehave MODE [ARGUMENTS] [on TYPE] [times N]",
+            "misbehaves, for instance 'misbehave silence'; tools/service/README.md has all modes", parseMisbehave },
+        CommandEntry { "behave", "behave", "ends the misbehaviour", parseBehave },
+        CommandEntry { "answer", "answer TYPE JSON | answer TYPE none",
+            "a fixed reply to one request type; takes it back", parseAnswer },
+        CommandEntry { "requests", "requests", "how many requests have come in, by type", parseRequests },
+        CommandEntry { "last-request", "last-request", "the last request as it came", parseLastRequest },
+        CommandEntry { "await", "await TYPE COUNT | await TYPE +COUNT",
+            "answers once so many requests of the type have come in", parseAwait },
+        CommandEntry { "help", "help", "these lines", parseHelp },
+        CommandEntry { "quit", "quit", "ends the service", parseQuit },
     };
     return entries;
 }

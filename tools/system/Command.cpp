@@ -41,6 +41,8 @@ std::expected<Command, StandInError> parseCommand(std::span<const std::string> w
     const auto rest = words.subspan(1);
     if (subject == "show" && rest.empty())
         return ShowCommand {};
+    if (subject == "help" && rest.empty())
+        return HelpCommand {};
     if (subject == "filter") {
         if (auto change = filterChange(rest, version))
             return *std::move(change);
@@ -68,8 +70,8 @@ std::optional<int> positiveNumber(const std::string& word)
 std::string commandUsage()
 {
     return usageLines("filter", filterUsages()) + usageLines("service", serviceUsages())
-        + usageLines("app", appUsages()) + usageLines("updater", updaterUsages())
-        + usageLine("show", "print all of it");
+        + usageLines("app", appUsages()) + usageLines("updater", updaterUsages()) + usageLine("show", "print all of it")
+        + usageLine("help", "these lines");
 }
 
 }

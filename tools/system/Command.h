@@ -24,9 +24,10 @@ struct ServiceCommand {
 };
 
 struct ShowCommand { };
+struct HelpCommand { };
 
 // A command that was found to be well formed. What it cannot do in the state that it meets is an error of its change.
-using Command = std::variant<FilterChange, ServiceCommand, AppChange, UpdaterChange, ShowCommand>;
+using Command = std::variant<FilterChange, ServiceCommand, AppChange, UpdaterChange, ShowCommand, HelpCommand>;
 
 // `version` is that of the copies of the extension that the command puts there.
 [[nodiscard]] std::expected<Command, StandInError> parseCommand(

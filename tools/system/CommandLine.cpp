@@ -1,5 +1,8 @@
 #include "system/CommandLine.h"
 
+#include <algorithm>
+#include <array>
+
 namespace brevanta::system_tool {
 
 std::expected<CommandLine, StandInError> CommandLine::parse(
@@ -19,6 +22,8 @@ std::expected<CommandLine, StandInError> CommandLine::parse(
             return standInError("--root needs a path");
         result.root = arguments[++index];
     }
+    if (result.root.empty() && std::ranges::equal(std::span(arguments).subspan(index), std::array { "help" }))
+        return CommandLine { .purpose = Purpose::showHelp };
     if (result.root.empty())
         return standInError("--root DIR is needed");
     auto command = parseCommand(std::span(arguments).subspan(index), version);

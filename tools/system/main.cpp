@@ -104,6 +104,12 @@ public:
         return {};
     }
 
+    Done operator()(HelpCommand) const
+    {
+        std::fputs(commandUsage().c_str(), stdout);
+        return {};
+    }
+
 private:
     const std::filesystem::path& m_root;
     StandInStore m_store;
@@ -132,7 +138,7 @@ int main(int argumentCount, char** arguments)
     const auto commandLine = CommandLine::parse(
         std::vector<std::string>(arguments + 1, arguments + argumentCount), BREVANTA_SYSTEM_VERSION);
     if (!commandLine)
-        return complain(commandLine.error().message + " (see --help)", misused);
+        return complain(commandLine.error().message + " (see help)", misused);
     switch (commandLine->purpose) {
     case CommandLine::Purpose::showHelp:
         std::fputs(CommandLine::help().c_str(), stdout);

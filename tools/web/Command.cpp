@@ -1,5 +1,6 @@
 #include "web/Command.h"
 
+#include "service/Command.h"
 #include "service/CommandWords.h"
 #include "service/JsonText.h"
 #include "service/NumberText.h"
@@ -29,6 +30,7 @@ enum class Fit { fits, misused };
 struct CommandEntry {
     std::string_view name;
     std::string_view usage;
+    std::string_view effect;
     Fit (*run)(const Context&, CommandWords&);
 };
 
@@ -127,22 +129,37 @@ static Fit quit(const Context& context, CommandWords& words)
     return Fit::fits;
 }
 
+static Fit showHelp(const Context& context, CommandWords& words);
+
 static constexpr CommandEntry commands[] = {
-    { "await", "await PATH COUNT|+COUNT", awaitRequests },
-    { "behave", "behave", behave },
-    { "certificate", "certificate own|other", chooseCertificate },
-    { "close", "close [times N]", misbehave<Misbehaviour::Mode::close> },
-    { "delay", "delay MS [times N]", misbehave<Misbehaviour::Mode::delay> },
-    { "evaluate", "evaluate EXPRESSION", evaluate },
-    { "hang", "hang [times N]", misbehave<Misbehaviour::Mode::hang> },
-    { "last-request", "last-request", showLastRequest },
-    { "port", "port", showPorts },
-    { "quit", "quit", quit },
-    { "redirect", "redirect URL [times N]", misbehave<Misbehaviour::Mode::redirect> },
-    { "refuse", "refuse", misbehave<Misbehaviour::Mode::refuse> },
-    { "requests", "requests", countRequests },
-    { "status", "status CODE [times N]", misbehave<Misbehaviour::Mode::status> },
+    { "await", "await PATH COUNT|+COUNT", "answers once so many requests for the path have come in", awaitRequests },
+    { "behave", "behave", "ends the misbehaviour", behave },
+    { "certificate", "certificate own|other", "serves its own certificate, or one that nobody trusts",
+        chooseCertificate },
+    { "close", "close [times N]", "closes connections without an answer", misbehave<Misbehaviour::Mode::close> },
+    { "delay", "delay MS [times N]", "answers so much later", misbehave<Misbehaviour::Mode::delay> },
+    { "evaluate", "evaluate EXPRESSION", "the expression's value in the page; needs --driver", evaluate },
+    { "help", "help", "these lines", showHelp },
+    { "hang", "hang [times N]", "takes requests and does not answer", misbehave<Misbehaviour::Mode::hang> },
+    { "last-request", "last-request", "the last request", showLastRequest },
+    { "port", "port", "the port of the application", showPorts },
+    { "quit", "quit", "ends the web server", quit },
+    { "redirect", "redirect URL [times N]", "sends clients elsewhere", misbehave<Misbehaviour::Mode::redirect> },
+    { "refuse", "refuse", "nobody listens, until 'behave'", misbehave<Misbehaviour::Mode::refuse> },
+    { "requests", "requests", "how many requests have come in, by path", countRequests },
+    { "status", "status CODE [times N]", "answers with an HTTP status", misbehave<Misbehaviour::Mode::status> },
 };
+
+static Fit showHelp(const Context& context, CommandWords& words)
+{
+    if (!words.isAtEnd())
+        return Fit::misused;
+    std::string lines;
+    for (const auto& command : commands)
+        lines += service::helpLine(command.usage, command.effect);
+    context.answer(lines);
+    return Fit::fits;
+}
 
 void runCommand(
     WebServer& server, const std::function<void()>& quitServer, const std::string& line, const Answer& answer)
@@ -153,16 +170,9 @@ void runCommand(
         return answer(fail("no command"));
     const auto* entry = std::ranges::find(commands, std::string_view(*name), &CommandEntry::name);
     if (entry == std::end(commands))
-        return answer(fail("unknown command '" + *name + "'"));
+        return answer(fail("unknown command '" + *name + "' (see help)"));
     if (entry->run({ .server = server, .quit = quitServer, .answer = answer }, words) == Fit::misused)
         answer(fail("usage: " + std::string(entry->usage)));
-}
-
-std::string describeResult(const Result& result)
-{
-    if (!result)
-        return "error: " + result.error().message;
-    return result->empty() ? "ok" : "ok " + *result;
 }
 
 }

@@ -11,7 +11,4 @@ namespace brevanta::web {
 // Runs one command; what it does is in force when it is answered. `evaluate` and `await` may be answered later.
 void runCommand(WebServer&, const std::function<void()>& quit, const std::string& line, const Answer&);
 
-// The answer as one line, without its newline: "ok", "ok VALUE" or "error: why".
-[[nodiscard]] std::string describeResult(const Result&);
-
 }

@@ -1,6 +1,6 @@
 #include "web/CommandChannel.h"
 
-#include "web/Command.h"
+#include "service/Command.h"
 
 #include <array>
 #include <cerrno>
@@ -121,7 +121,7 @@ void CommandChannel::runLine(const std::string& line)
         if (!self)
             return;
         self->m_isWaiting = false;
-        self->m_answers += describeResult(result) + '\n';
+        self->m_answers += service::describeResult(result) + '\n';
         self->advance();
     });
 }

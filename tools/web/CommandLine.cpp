@@ -71,7 +71,7 @@ std::expected<CommandLine, ServiceError> CommandLine::parse(const std::vector<st
 
     for (std::size_t index = 0; index < arguments.size(); ++index) {
         const auto& argument = arguments[index];
-        if (argument == "--help" || argument == "-h")
+        if (argument == "--help" || argument == "-h" || argument == "help")
             return CommandLine { .purpose = Purpose::showHelp };
         if (argument == "--version")
             return CommandLine { .purpose = Purpose::showVersion };
@@ -131,6 +131,7 @@ A stand-in for the service's web server: serves the demo application over HTTPS 
   --version                 show the version
 
 Prints "listening on URL" for each port when it can be talked to. SIGTERM, SIGINT and the command `quit` end it.
+The command `help` lists the commands.
 Exit status: 0 ended as told, 1 cannot run, 2 wrong command line.
 )";
 }

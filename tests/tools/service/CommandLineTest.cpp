@@ -37,7 +37,8 @@ TEST(CommandLine, MistakesAreRefused)
 
 TEST(CommandLine, HelpNeedsNothingElse)
 {
-    EXPECT_EQ(CommandLine::parse({ "--help" })->purpose, CommandLine::Purpose::showHelp);
+    for (const auto* help : { "--help", "help" })
+        EXPECT_EQ(CommandLine::parse({ help })->purpose, CommandLine::Purpose::showHelp);
     EXPECT_EQ(CommandLine::parse({ "--version" })->purpose, CommandLine::Purpose::showVersion);
 }
 

@@ -33,7 +33,7 @@ TEST(Scenario, ABadLineIsNamedByFileAndNumber)
         const char* expected;
     };
     static constexpr Row rows[] = {
-        { "# a\nenergy 1\nfly\n", "day:3: unknown command 'fly'" },
+        { "# a\nenergy 1\nfly\n", "day:3: unknown command 'fly' (see help)" },
         { "at soon energy 1", "day:1: usage: at SECONDS COMMAND" },
         { "at -1 energy 1", "day:1: usage: at SECONDS COMMAND" },
         { "at 3", "day:1: no command" },

@@ -295,7 +295,8 @@ TEST_F(ServiceLoopTest, ARequestThatEndsWithoutANewlineIsRefused)
 
 TEST_F(ServiceLoopTest, CommandsOfOneConnectionAreAnsweredInTheirOrder)
 {
-    EXPECT_EQ(command("energy 7\nget energy\nfly\nget energy"), "ok\nok 7.0\nerror: unknown command 'fly'\nok 7.0\n");
+    EXPECT_EQ(command("energy 7\nget energy\nfly\nget energy"),
+        "ok\nok 7.0\nerror: unknown command 'fly' (see help)\nok 7.0\n");
 }
 
 TEST_F(ServiceLoopTest, AnAwaitingCommandIsAnsweredByTheRequestAndHoldsUpNobody)

@@ -231,7 +231,8 @@ TEST(SystemCommand, TheRootComesBeforeTheCommand)
     ASSERT_TRUE(parsed);
     EXPECT_EQ(parsed->root, "r");
     EXPECT_TRUE(std::holds_alternative<ShowCommand>(parsed->command));
-    EXPECT_EQ(CommandLine::parse({ "--help" }, "7.0")->purpose, CommandLine::Purpose::showHelp);
+    for (const auto* help : { "--help", "help" })
+        EXPECT_EQ(CommandLine::parse({ help }, "7.0")->purpose, CommandLine::Purpose::showHelp);
     EXPECT_EQ(CommandLine::parse({ "--version" }, "7.0")->purpose, CommandLine::Purpose::showVersion);
 }
 
