@@ -19,9 +19,10 @@ bool isDevelopmentRoot(const std::filesystem::path& root)
     return std::filesystem::is_directory(root, error) && !std::filesystem::equivalent(root, "/", error) && !error;
 }
 
-Result failed(std::string_view message)
+Result failed(std::string_view message, int status = 0)
 {
-    return std::unexpected(AdministratorError { AdministratorError::Kind::scriptFailed, validUtf8(message) });
+    return std::unexpected(AdministratorError {
+        .kind = AdministratorError::Kind::scriptFailed, .message = validUtf8(message), .number = status });
 }
 
 std::string withoutLineEnd(std::string text)
@@ -34,9 +35,9 @@ std::string withoutLineEnd(std::string text)
 Result resultOf(ShellEnd ended)
 {
     if (!ended.status)
-        return std::unexpected(AdministratorError { AdministratorError::Kind::noResult });
+        return std::unexpected(AdministratorError { .kind = AdministratorError::Kind::noResult });
     if (*ended.status != 0)
-        return failed(withoutLineEnd(std::move(ended.errors)));
+        return failed(withoutLineEnd(std::move(ended.errors)), *ended.status);
     return withoutLineEnd(std::move(ended.output));
 }
 

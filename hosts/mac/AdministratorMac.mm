@@ -15,12 +15,14 @@ namespace {
 using Result = std::expected<std::string, AdministratorError>;
 using Kind = AdministratorError::Kind;
 
-// "userCanceledErr" of MacErrors.h, which AppleScript gives when a question is cancelled.
+// "userCanceledErr" of MacErrors.h, which AppleScript gives when a question is cancelled, and
+// "errAuthorizationCanceled" of Authorization.h.
 constexpr int userCancelled = -128;
+constexpr int authorizationCancelled = -60006;
 
-Result failed(Kind kind, std::string message = {})
+Result failed(Kind kind, std::string message = {}, int number = 0)
 {
-    return std::unexpected(AdministratorError { .kind = kind, .message = std::move(message) });
+    return std::unexpected(AdministratorError { .kind = kind, .message = std::move(message), .number = number });
 }
 
 std::string messageIn(NSDictionary<NSString*, id>* _Nullable information)
@@ -32,10 +34,11 @@ std::string messageIn(NSDictionary<NSString*, id>* _Nullable information)
 
 Result failureIn(NSDictionary<NSString*, id>* information)
 {
-    const id number = [information objectForKey:OSAScriptErrorNumberKey];
-    if ([number isKindOfClass:NSNumber.class] && static_cast<NSNumber*>(number).intValue == userCancelled)
+    const id value = [information objectForKey:OSAScriptErrorNumberKey];
+    const int number = [value isKindOfClass:NSNumber.class] ? static_cast<NSNumber*>(value).intValue : 0;
+    if (number == userCancelled || number == authorizationCancelled)
         return failed(Kind::cancelled);
-    return failed(Kind::scriptFailed, messageIn(information));
+    return failed(Kind::scriptFailed, messageIn(information), number);
 }
 
 // Waits for the user and for the script.

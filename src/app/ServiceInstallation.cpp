@@ -1,5 +1,6 @@
 #include "app/ServiceInstallation.h"
 
+#include "crash/ReportScrubber.h"
 #include "platform/FileStore.h"
 #include "platform/SystemLog.h"
 #include "track/AppAlertPresenter.h"
@@ -30,7 +31,8 @@ ServiceInstallation::ServiceInstallation(Dependencies dependencies)
           .log = m_dependencies.log,
           .paths
           = [this] { return bundledInstallPaths(m_dependencies.bundle, m_dependencies.root, m_dependencies.files); },
-          .showFailure = [this](const std::string& message) { showFailure(message); },
+          .scrub = [](const std::string& text) { return scrubReport(text); },
+          .showFailure = [this](const InstallFailure& failure) { showFailure(failure); },
           .changed = m_dependencies.changed })
 {
 }
@@ -97,14 +99,14 @@ InstallHold::Install ServiceInstallation::underWay() const
 }
 
 // Each install's own: an alert that is still on screen must not swallow what the next one has to say.
-void ServiceInstallation::showFailure(const std::string& message)
+void ServiceInstallation::showFailure(const InstallFailure& failure)
 {
-    m_dependencies.failed(message);
+    m_dependencies.failed(failure.report);
     m_dependencies.alerts.present(
         { .identifier = "installationFailed-" + std::to_string(m_flight.generation()),
             .style = AlertStyle::warning,
             .message = m_flight.task() == FlightTask::install ? "Installation Failed" : "Removal Failed",
-            .informativeText = message,
+            .informativeText = failure.message,
             .buttons = { "OK" } },
         [](AlertResponse) { });
 }

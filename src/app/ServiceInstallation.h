@@ -35,7 +35,7 @@ public:
         std::filesystem::path bundle;
         std::filesystem::path root;
         std::function<void()> changed; // The install has begun or ended.
-        std::function<void(const std::string& message)> failed; // Besides the alert; in English.
+        std::function<void(const std::string& report)> failed; // Besides the alert; one line in English.
         std::function<void()> showQuitHeld; // Tells the user that the quit is about to come.
     };
 
@@ -64,7 +64,7 @@ private:
     void carryOut(const InstallHold::Command& command);
     void relaunch();
     [[nodiscard]] InstallHold::Install underWay() const;
-    void showFailure(const std::string& message);
+    void showFailure(const InstallFailure& failure);
 
     Dependencies m_dependencies;
     InstallFlight m_flight;

@@ -7,27 +7,6 @@
 
 namespace brevanta {
 
-namespace {
-
-std::string textFor(const AdministratorError& error, FlightTask task)
-{
-    const bool installs = task == FlightTask::install;
-    switch (error.kind) {
-    case AdministratorError::Kind::unavailable:
-        return "AppleScript is not available on this Mac.";
-    case AdministratorError::Kind::notCompiled:
-        return installs ? "The install script could not be compiled." : "The removal script could not be compiled.";
-    case AdministratorError::Kind::noResult:
-        return installs ? "The install script returned no result." : "The removal script returned no result.";
-    case AdministratorError::Kind::scriptFailed:
-    case AdministratorError::Kind::cancelled:
-        break;
-    }
-    return installs ? "Daemon installation failed: " + failureOfInstallScript(error.message) : error.message;
-}
-
-}
-
 InstallFlight::InstallFlight(Dependencies dependencies)
     : m_dependencies(std::move(dependencies))
 {
@@ -40,7 +19,7 @@ void InstallFlight::begin()
     if (const auto paths = m_dependencies.paths())
         run(installScript(*paths), installPrompt);
     else
-        failed(paths.error());
+        failed(incompleteBundleFailure(paths.error()));
 }
 
 void InstallFlight::beginRemoval(const std::string& script)
@@ -89,19 +68,19 @@ void InstallFlight::answered(const std::expected<std::string, AdministratorError
         return ended(installs ? InstallOutcome::installed : InstallOutcome::removed);
     }
     const auto& error = answer.error();
-    if (error.kind == AdministratorError::Kind::notCompiled)
-        return failed(textFor(error, m_task), error.message);
     if (error.kind != AdministratorError::Kind::cancelled)
-        return failed(textFor(error, m_task));
+        return failed(installFailure(error, m_task));
     m_dependencies.log.log("[DaemonInstall] administrator prompt cancelled by the user");
     ended(InstallOutcome::cancelled);
 }
 
-void InstallFlight::failed(const std::string& message, const std::string& detail)
+void InstallFlight::failed(const InstallFailure& failure)
 {
+    const InstallFailure told { .message = m_dependencies.scrub(failure.message),
+        .report = m_dependencies.scrub(failure.report) };
     // An alert goes with the application, if a quit has been waiting for this end.
-    m_dependencies.log.log("[DaemonInstall] " + message + (detail.empty() ? "" : " (" + detail + ")"));
-    m_dependencies.showFailure(message);
+    m_dependencies.log.log("[DaemonInstall] " + told.report);
+    m_dependencies.showFailure(told);
     ended(InstallOutcome::failed);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/LifeToken.h"
+#include "install/InstallFailure.h"
 #include "install/InstallScript.h"
 #include "install/RemovalScript.h"
 #include "install/ServiceInstaller.h"
@@ -17,9 +18,6 @@ class Administrator;
 class SystemLog;
 struct AdministratorError;
 
-// What an administrator's password is asked for.
-enum class FlightTask { install, removal };
-
 // How it ended.
 enum class InstallOutcome { installed, removed, cancelled, failed };
 
@@ -33,7 +31,8 @@ public:
         // The paths of this installation, or why there are none: "Could not locate the app bundle." or "Daemon file
         // missing from bundle:" with the path. Asked anew for each install.
         std::function<std::expected<InstallPaths, std::string>()> paths;
-        std::function<void(const std::string& message)> showFailure; // An alert of its own, for the task at hand.
+        std::function<std::string(const std::string&)> scrub; // Takes secrets out of what is told of a failure.
+        std::function<void(const InstallFailure&)> showFailure; // An alert of its own, for the task at hand.
         std::function<void()> changed; // The flight has begun or ended.
     };
 
@@ -62,7 +61,7 @@ private:
     [[nodiscard]] Start start(FlightTask task);
     void run(const std::string& script, std::string_view prompt);
     void answered(const std::expected<std::string, AdministratorError>& answer);
-    void failed(const std::string& message, const std::string& detail = {}); // The detail is for the log.
+    void failed(const InstallFailure& failure);
     void ended(InstallOutcome outcome);
 
     Dependencies m_dependencies;

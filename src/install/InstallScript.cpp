@@ -22,12 +22,9 @@ constexpr std::array<std::string_view, 4> earlierLabels {
     "com.brevanta.helper",
 };
 
-constexpr int bootstrapAttempts = 20;
-constexpr double secondsBetweenAttempts = 0.25;
-
 // The script's status when the service is being removed, beyond those that lockf(1) has for failures of its own, which
 // are sysexits(3)'s 64 to 78, and unlike launchctl's 5, which is retried, and the 1 of the tools that handle files.
-constexpr int removalBegan = 79;
+constexpr int removalBeganStatus = 79;
 
 bool isPlain(char character)
 {
@@ -97,28 +94,18 @@ std::string placeFiles(const InstallPaths& paths)
     return chained(commands);
 }
 
-std::string refusedText()
-{
-    return "launchd did not accept the blocking service after " + std::to_string(bootstrapAttempts)
-        + " attempts over about " + formatFixed(bootstrapAttempts * secondsBetweenAttempts, 0)
-        + " seconds (Input/output error, the previous service is still registered). Choose Restart Blocking Service "
-          "from the menu to try again.";
-}
-
 std::string start(const InstallPaths& paths)
 {
     return "n=0; while :; do launchctl bootstrap system " + quoted(paths.propertyList())
         + " && break; rc=$?; if [ $rc -ne 5 ]; then exit $rc; fi; n=$((n+1)); if [ $n -ge "
-        + std::to_string(bootstrapAttempts) + " ]; then " + toStandardError(refusedText()) + "; exit $rc; fi; sleep "
-        + formatFixed(secondsBetweenAttempts, 2) + "; done";
+        + std::to_string(bootstrapAttempts) + " ]; then " + toStandardError(startWasRefused())
+        + "; exit $rc; fi; sleep " + formatFixed(secondsBetweenAttempts, 2) + "; done";
 }
 
 std::string endIfRemovalBegan(const InstallPaths& paths)
 {
-    return "if " + removalMarkerIsThere(paths) + "; then "
-        + toStandardError("Brevanta began removing its blocking service from this Mac while the password window was "
-                          "open, so nothing was reinstalled.")
-        + "; exit " + std::to_string(removalBegan) + "; fi";
+    return "if " + removalMarkerIsThere(paths) + "; then " + toStandardError(removalBegan) + "; exit "
+        + std::to_string(removalBeganStatus) + "; fi";
 }
 
 // A literal in AppleScript may hold anything else as it is, line ends too: AppleScript Language Guide, "text".
@@ -165,12 +152,6 @@ std::string installScript(const InstallPaths& paths)
     return underRemovalLock(paths,
         endIfRemovalBegan(paths) + "; " + cleanOut(paths) + " && " + placeFiles(paths) + " && { " + stopService() + "; "
             + start(paths) + "; }");
-}
-
-std::string failureOfInstallScript(std::string_view errors)
-{
-    const auto refused = refusedText();
-    return errors.contains(refused) ? refused : std::string(errors);
 }
 
 std::string shellQuoted(std::string_view text)

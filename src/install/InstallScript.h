@@ -27,11 +27,6 @@ struct InstallPaths {
 // the paths, which may hold any character but NUL.
 [[nodiscard]] std::string installScript(const InstallPaths& paths);
 
-// What to tell the user of a script that failed with these lines on its standard error: all of them, but for a start
-// that was refused again and again just the script's own sentence, since launchctl has complained at each attempt
-// before it.
-[[nodiscard]] std::string failureOfInstallScript(std::string_view errors);
-
 // The text as one word for a shell, in single quotes: sh(1), "Quoting". Any text without NUL.
 [[nodiscard]] std::string shellQuoted(std::string_view text);
 

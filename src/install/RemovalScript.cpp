@@ -13,7 +13,7 @@ namespace {
 using namespace ScriptFragments;
 
 // The script's status when the service did not stop: the next one behind those of the install script.
-constexpr int didNotStop = 80;
+constexpr int didNotStopStatus = 80;
 
 std::string jsonText(const RemovalHandover& handover)
 {
@@ -59,9 +59,8 @@ std::string removalScript(const InstallPaths& paths, const RemovalHandover& hand
     // The program goes late: until then a service that is started again can finish what was cut short.
     return underRemovalLock(paths,
         leaveMarker(paths) + "; " + defineGivingUp(paths) + "; " + leaveHandover(paths, handover) + "; " + stopService()
-            + "; if " + serviceHasNotStopped() + "; then "
-            + toStandardError("The blocking service did not stop in time. Try again in a minute.") + "; giveUp "
-            + std::to_string(didNotStop) + "; fi; rm -rf " + quoted(paths.supportFolder()) + " "
+            + "; if " + serviceHasNotStopped() + "; then " + toStandardError(didNotStop) + "; giveUp "
+            + std::to_string(didNotStopStatus) + "; fi; rm -rf " + quoted(paths.supportFolder()) + " "
             + quoted(paths.propertyList()) + " " + quoted(paths.program()) + " && rm -rf " + marker);
 }
 

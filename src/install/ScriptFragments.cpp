@@ -1,8 +1,17 @@
 #include "install/ScriptFragments.h"
 
+#include "base/Text.h"
 #include "install/InstallScript.h"
 
 namespace brevanta::ScriptFragments {
+
+std::string startWasRefused()
+{
+    return "launchd did not accept the blocking service after " + std::to_string(bootstrapAttempts)
+        + " attempts over about " + formatFixed(bootstrapAttempts * secondsBetweenAttempts, 0)
+        + " seconds (Input/output error, the previous service is still registered). Choose Restart Blocking Service "
+          "from the menu to try again.";
+}
 
 std::string quoted(const std::filesystem::path& path) { return shellQuoted(path.string()); }
 
@@ -33,8 +42,7 @@ std::string underRemovalLock(const InstallPaths& paths, std::string_view script)
     const auto lock = quoted(paths.removalLock());
     return "(umask 077; : >> " + lock + ") && chmod 600 " + lock + " && " + quoted(paths.lockf()) + " -s -k -t 120 "
         + lock + " /bin/sh -c " + shellQuoted(script) + " || { rc=$?; if [ $rc -eq 75 ]; then "
-        + toStandardError("Brevanta is still removing its blocking service from this Mac. Try again in a minute.")
-        + "; fi; exit $rc; }";
+        + toStandardError(removalIsUnderWay) + "; fi; exit $rc; }";
 }
 
 }

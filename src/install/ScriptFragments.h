@@ -13,6 +13,20 @@ namespace ScriptFragments {
 
 inline constexpr std::string_view serviceLabel { "com.brevanta.daemon" };
 
+// What the scripts say on standard error before they give up: sentences for the user, each a line of its own.
+inline constexpr std::string_view removalBegan {
+    "Brevanta began removing its blocking service from this Mac while the password window was open, so nothing was "
+    "reinstalled."
+};
+inline constexpr std::string_view removalIsUnderWay {
+    "Brevanta is still removing its blocking service from this Mac. Try again in a minute."
+};
+inline constexpr std::string_view didNotStop { "The blocking service did not stop in time. Try again in a minute." };
+[[nodiscard]] std::string startWasRefused();
+
+inline constexpr int bootstrapAttempts = 20;
+inline constexpr double secondsBetweenAttempts = 0.25;
+
 [[nodiscard]] std::string quoted(const std::filesystem::path& path);
 
 [[nodiscard]] std::string toStandardError(std::string_view message);

@@ -17,6 +17,9 @@ struct AdministratorError {
 
     Kind kind { Kind::scriptFailed };
     std::string message {}; // In English, or as the system words it; for these two only.
+    // Of scriptFailed: the script's exit status, or a negative number of the system's own, such as those of
+    // "Authorization Services Result Codes"; 0 when neither is known.
+    int number { 0 };
 
     bool operator==(const AdministratorError&) const = default;
 };

@@ -103,10 +103,11 @@ TEST_F(ServiceInstallationTest, EachFailureHasAnAlertOfItsOwn)
     installation.flight().begin();
     ASSERT_EQ(panel.presented.size(), 1U);
     EXPECT_EQ(panel.presented[0].message, "Installation Failed");
-    EXPECT_EQ(panel.presented[0].informativeText, "Daemon file missing from bundle: " + program.string());
+    const std::string remedy = "\n\nInstall Brevanta anew, and try again.";
+    EXPECT_EQ(panel.presented[0].informativeText, "Daemon file missing from bundle: " + program.string() + remedy);
     press(0);
     ASSERT_EQ(panel.presented.size(), 2U);
-    EXPECT_EQ(panel.presented[1].informativeText, "Daemon file missing from bundle: " + propertyList.string());
+    EXPECT_EQ(panel.presented[1].informativeText, "Daemon file missing from bundle: " + propertyList.string() + remedy);
 }
 
 TEST_F(ServiceInstallationTest, AQuitAndARelaunchHappenWhenTheInstallHasEndedHoweverItEnds)
@@ -149,9 +150,10 @@ TEST_F(ServiceInstallationTest, ARemovalThatHangsIsOfferedToBeFinishedUntilThatI
                 .prompt = std::string(removalPrompt) } }));
     EXPECT_EQ(installation.shouldTerminate(), TerminationDecision::later);
     EXPECT_EQ(pollOfRemovalThatHangs("A"), 1U);
-    endScript({ .message = "It did not stop." });
+    endScript({ .message = "odd: password=hunter22" });
     EXPECT_EQ(panel.presented.back().message, "Removal Failed");
-    EXPECT_EQ(panel.presented.back().informativeText, "It did not stop.");
+    EXPECT_TRUE(panel.presented.back().informativeText.ends_with("\n\nDetails: odd: password=[removed]"));
+    EXPECT_TRUE(log.lines.back().ends_with(" (odd: password=[removed]"));
     press(0);
     mainLoop.advance(59);
     EXPECT_EQ(pollOfRemovalThatHangs("A"), 2U) << "the user was told to wait a minute";

@@ -41,9 +41,9 @@ TYPED_TEST_SUITE_P(AdministratorContract);
 TYPED_TEST_P(AdministratorContract, EachRunEndsOnceAfterTheCallAsThePasswordAndTheScriptHaveIt)
 {
     using Kind = AdministratorError::Kind;
-    const auto error = [](Kind kind, const std::string& message = {}) {
+    const auto error = [](Kind kind, const std::string& message = {}, int number = 0) {
         return std::vector<std::expected<std::string, AdministratorError>> { std::unexpected(
-            AdministratorError { kind, message }) };
+            AdministratorError { kind, message, number }) };
     };
     this->run("echo written");
     this->m_bench.givePassword();
@@ -52,7 +52,7 @@ TYPED_TEST_P(AdministratorContract, EachRunEndsOnceAfterTheCallAsThePasswordAndT
     EXPECT_EQ(ends[0], "written");
     this->run("(echo reason >&2); exit 3");
     this->m_bench.givePassword();
-    EXPECT_EQ(this->endsOfRun(), error(Kind::scriptFailed, "reason"));
+    EXPECT_EQ(this->endsOfRun(), error(Kind::scriptFailed, "reason", 3));
     this->run("echo written");
     this->m_bench.cancel();
     EXPECT_EQ(this->endsOfRun(), error(Kind::cancelled));

@@ -60,9 +60,9 @@ protected:
         return result.value_or("");
     }
 
-    static Result error(Kind kind, const std::string& message = {})
+    static Result error(Kind kind, const std::string& message = {}, int number = 0)
     {
-        return std::unexpected(AdministratorError { kind, message });
+        return std::unexpected(AdministratorError { kind, message, number });
     }
 
     Gtk::Window window;
@@ -143,9 +143,9 @@ TEST_F(AdministratorGtkTest, TheEndOfTheScriptIsToldAsItWas)
         { "printf ''", "" },
         { "echo a; echo b", "a\nb" },
         { "printf 'a\\n\\n'", "a\n" },
-        { "echo out; echo err >&2; exit 75", error(Kind::scriptFailed, "err") },
-        { "exit 1", error(Kind::scriptFailed) },
-        { "printf '\\377' >&2; exit 1", error(Kind::scriptFailed, "\uFFFD") },
+        { "echo out; echo err >&2; exit 75", error(Kind::scriptFailed, "err", 75) },
+        { "exit 1", error(Kind::scriptFailed, "", 1) },
+        { "printf '\\377' >&2; exit 1", error(Kind::scriptFailed, "\uFFFD", 1) },
         { "kill -KILL $$", error(Kind::noResult) },
     };
     for (const auto& [script, expected] : cases)

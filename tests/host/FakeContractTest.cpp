@@ -74,7 +74,7 @@ public:
             m_administrator->ends.answerOldest("written");
         else
             m_administrator->ends.answerOldest(
-                std::unexpected(AdministratorError { AdministratorError::Kind::scriptFailed, "reason" }));
+                std::unexpected(AdministratorError { AdministratorError::Kind::scriptFailed, "reason", 3 }));
     }
     void cancel()
     {

@@ -44,13 +44,14 @@ protected:
     HeldAdministrator administrator;
     FakeSystemLog log;
     std::expected<InstallPaths, std::string> paths { inBundle };
-    std::vector<std::string> failures;
+    std::vector<InstallFailure> failures;
     std::vector<bool> changes; // Whether it was in flight at each change.
     std::vector<std::pair<std::string, InstallOutcome>> ends;
     InstallFlight flight { { .administrator = administrator,
         .log = log,
         .paths = [this] { return paths; },
-        .showFailure = [this](const std::string& message) { failures.push_back(message); },
+        .scrub = [](const std::string& text) { return text; },
+        .showFailure = [this](const InstallFailure& failure) { failures.push_back(failure); },
         .changed = [this] { changes.push_back(flight.isInFlight()); } } };
 };
 
@@ -61,29 +62,18 @@ TEST_F(InstallFlightTest, TheUserIsToldOfEachFailureButNotOfACancelledPassword)
     struct Case {
         HeldAdministrator::Answer answer;
         InstallOutcome outcome;
-        std::string failure; // What the user is told, and the log; empty for nothing.
-        std::string line; // In the log; for a failure what stands there behind it.
+        std::string line; // In the log, for an end that is no failure.
     };
-    const auto error = [](Kind kind, const std::string& message = "") {
-        return std::unexpected(AdministratorError { .kind = kind, .message = message });
-    };
-    const std::string refused
-        = "launchd did not accept the blocking service after 20 attempts over about 5 seconds (Input/output error, the "
-          "previous service is still registered). Choose Restart Blocking Service from the menu to try again.";
-    const std::string installed = "[DaemonInstall] the blocking service was installed";
-    for (const auto& [answer, outcome, failure, line] : {
-             Case { "", InstallOutcome::installed, "", installed },
-             Case { "some words", InstallOutcome::installed, "", installed },
-             Case { error(Kind::cancelled), InstallOutcome::cancelled, "",
-                 "[DaemonInstall] administrator prompt cancelled by the user" },
-             Case { error(Kind::scriptFailed, "no room"), InstallOutcome::failed, "Daemon installation failed: no room",
-                 "" },
-             Case { error(Kind::scriptFailed, "Bootstrap failed: 5: Input/output error\r" + refused),
-                 InstallOutcome::failed, "Daemon installation failed: " + refused, "" },
-             Case { error(Kind::unavailable), InstallOutcome::failed, "AppleScript is not available on this Mac.", "" },
-             Case { error(Kind::notCompiled, "Expected end of line."), InstallOutcome::failed,
-                 "The install script could not be compiled.", " (Expected end of line.)" },
-             Case { error(Kind::noResult), InstallOutcome::failed, "The install script returned no result.", "" },
+    const AdministratorError full { .message = "cp: a: No space left on device", .number = 1 };
+    const AdministratorError notCompiled { .kind = Kind::notCompiled, .message = "Expected end of line." };
+    const std::string installed = "the blocking service was installed";
+    for (const auto& [answer, outcome, line] : {
+             Case { "", InstallOutcome::installed, installed },
+             Case { "some words", InstallOutcome::installed, installed },
+             Case { std::unexpected(AdministratorError { .kind = Kind::cancelled }), InstallOutcome::cancelled,
+                 "administrator prompt cancelled by the user" },
+             Case { std::unexpected(full), InstallOutcome::failed, "" },
+             Case { std::unexpected(notCompiled), InstallOutcome::failed, "" },
          }) {
         failures.clear();
         ends.clear();
@@ -91,18 +81,20 @@ TEST_F(InstallFlightTest, TheUserIsToldOfEachFailureButNotOfACancelledPassword)
         flight.begin();
         awaitEnd("page");
         administrator.answer(answer);
-        using Lines = std::vector<std::string>;
-        EXPECT_EQ(failures, failure.empty() ? Lines {} : Lines { failure });
+        std::vector<InstallFailure> expected;
+        if (outcome == InstallOutcome::failed)
+            expected.push_back(installFailure(answer.error(), FlightTask::install));
+        EXPECT_EQ(failures, expected);
         EXPECT_EQ(ends, (decltype(ends) { { "page", outcome } }));
-        EXPECT_EQ(log.lines, Lines { failure.empty() ? line : "[DaemonInstall] " + failure + line });
+        EXPECT_EQ(log.lines, std::vector { "[DaemonInstall] " + (expected.empty() ? line : expected.front().report) });
     }
     EXPECT_EQ(administrator.scripts.back(), installScript(inBundle));
     EXPECT_EQ(administrator.prompts.back(), installPrompt);
 
     flight.beginRemoval("the script");
     flight.begin();
-    administrator.answer(error(Kind::scriptFailed, "did not stop"));
-    EXPECT_EQ(failures.back(), "did not stop") << "nothing was installed";
+    administrator.answer(std::unexpected(full));
+    EXPECT_EQ(failures.back(), installFailure(full, FlightTask::removal)) << "nothing was installed";
     flight.beginRemoval("the script");
     awaitEnd("removal");
     administrator.answer("");
@@ -146,7 +138,7 @@ TEST_F(InstallFlightTest, WithoutItsFilesAnInstallFailsBeforeThePasswordIsAskedF
     flight.begin();
     awaitEnd("page");
     EXPECT_TRUE(administrator.scripts.empty());
-    EXPECT_EQ(failures, std::vector<std::string> { "Could not locate the app bundle." });
+    EXPECT_EQ(failures, std::vector { incompleteBundleFailure("Could not locate the app bundle.") });
     EXPECT_EQ(ends, (decltype(ends) { { "page", InstallOutcome::failed } }));
     EXPECT_EQ(changes, (std::vector { true, false }));
     paths = inBundle;
