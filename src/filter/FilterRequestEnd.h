@@ -23,7 +23,8 @@ struct FilterRequestEnd {
 // For the log: "completed, an older extension was replaced".
 [[nodiscard]] std::string describe(const FilterRequestEnd& end);
 
-// For the user: what is the matter with a request that failed, and what to do. Names neither domain nor code.
+// For the user: what is the matter with a request that failed, and what to do. Domain, code and the system's words
+// stand there only if nobody knows what they mean, as one line of details, which may still hold a secret.
 [[nodiscard]] std::string failureText(const FilterRequestEnd& end);
 
 }

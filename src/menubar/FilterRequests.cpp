@@ -1,5 +1,6 @@
 #include "menubar/FilterRequests.h"
 
+#include "crash/ReportScrubber.h"
 #include "filter/FilterManager.h"
 #include "menubar/FilterSettingsGuide.h"
 #include "platform/SystemLog.h"
@@ -89,7 +90,7 @@ void FilterRequests::tellOf(const FilterRequestEnd& end, const char* failureIden
         tell({ .identifier = failureIdentifier,
             .style = AlertStyle::warning,
             .message = failureMessage,
-            .informativeText = failureText(end),
+            .informativeText = scrubReport(failureText(end)),
             .buttons = {} });
     else if (end.outcome.kind == Kind::willCompleteAfterReboot)
         tell({ .identifier = "filterNeedsRestart",

@@ -388,10 +388,14 @@ TEST_F(MenuBarControllerTest, HoweverARequestForTheFilterEndsTheUserIsToldOnceAn
         EXPECT_EQ(told, row.told) << "the approval is explained once";
         components.panel.answer({ .end = AlertEnd::button, .button = 0 });
     }
-    filterSystem.removal.result = std::unexpected(refused);
+    filterSystem.removal.result
+        = std::unexpected(FilterError { "OSSystemExtensionErrorDomain", 1, "odd\nodd: password=hunter22" });
     controller->filterRequests().remove();
     tick();
     EXPECT_EQ(components.panel.presented.back().message, "The content filter could not be removed");
+    EXPECT_EQ(components.panel.presented.back().informativeText,
+        "macOS reported a problem that Brevanta does not know. Try again, and restart this Mac if that does not "
+        "help.\n\nDetails: OSSystemExtensionErrorDomain 1: odd; odd: password=[removed]");
 }
 
 TEST_F(MenuBarControllerTest, AReplacementAtLaunchThatNeedsARestartSaysSoInTheMenu)
