@@ -38,4 +38,10 @@ FilterApprovalPanes filterApprovalPanes(const SystemVersion& version)
     };
 }
 
+std::string loginItemsManualPath(const SystemVersion& version)
+{
+    const std::string pane = version.major >= firstWithExtensionsSettings ? "Login Items & Extensions" : "Login Items";
+    return "Open System Settings yourself: General, then " + pane + ", and allow Brevanta to run in the background.";
+}
+
 }

@@ -27,7 +27,8 @@ struct FilterApprovalPanes {
 // macOS User Guide. A pure function.
 [[nodiscard]] FilterApprovalPanes filterApprovalPanes(const SystemVersion& version);
 
-// Where the user lets the blocking service run in the background.
+// Where the user lets the blocking service run in the background; the way there in words is a sentence for the user.
 inline constexpr std::string_view loginItemsPane = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
+[[nodiscard]] std::string loginItemsManualPath(const SystemVersion& version);
 
 }

@@ -7,6 +7,8 @@
 namespace brevanta {
 
 static constexpr auto approvalAlert = "filterApproval";
+static constexpr auto filterPathAlert = "settingsOpenFailed";
+static constexpr auto loginItemsPathAlert = "loginItemsOpenFailed";
 
 FilterSettingsGuide::FilterSettingsGuide(
     AppAlertPresenter& alerts, Workspace& workspace, SystemLog& log, SystemVersion systemVersion)
@@ -14,6 +16,7 @@ FilterSettingsGuide::FilterSettingsGuide(
     , m_workspace(workspace)
     , m_log(log)
     , m_panes(filterApprovalPanes(systemVersion))
+    , m_loginItemsManualPath(loginItemsManualPath(systemVersion))
 {
 }
 
@@ -33,16 +36,16 @@ void FilterSettingsGuide::openFallbackPane()
         if (outcome == OpenOutcome::opened)
             return;
         m_log.log("[MenuBar] System Settings did not open at all; showing the manual path");
-        showManualPath();
+        showManualPath(filterPathAlert, m_panes.manualPath);
     }));
 }
 
-void FilterSettingsGuide::showManualPath()
+void FilterSettingsGuide::showManualPath(const char* identifier, const std::string& manualPath)
 {
-    m_alerts.present({ .identifier = "settingsOpenFailed",
+    m_alerts.present({ .identifier = identifier,
                          .style = AlertStyle::warning,
                          .message = "System Settings did not open",
-                         .informativeText = m_panes.manualPath,
+                         .informativeText = manualPath,
                          .buttons = { "OK" } },
         [](AlertResponse) { });
 }
@@ -50,9 +53,25 @@ void FilterSettingsGuide::showManualPath()
 void FilterSettingsGuide::openLoginItemsSettings()
 {
     m_workspace.openUrl(std::string(loginItemsPane), m_life.guard([this](OpenOutcome outcome) {
-        if (outcome == OpenOutcome::refused)
-            m_log.log("[MenuBar] the Login Items pane did not open");
+        if (outcome == OpenOutcome::opened)
+            return;
+        m_log.log("[MenuBar] the Login Items pane did not open");
+        showManualPath(loginItemsPathAlert, m_loginItemsManualPath);
     }));
+}
+
+void FilterSettingsGuide::componentsChanged(FilterStatus filter, const DaemonHealth::State& service)
+{
+    follow(m_filterMatter, settingsMatterOf(filter), filterPathAlert);
+    follow(m_serviceMatter, settingsMatterOf(service), loginItemsPathAlert);
+}
+
+void FilterSettingsGuide::follow(SettingsMatter& known, SettingsMatter now, const char* identifier)
+{
+    if (hasSettled(known, now))
+        m_alerts.withdraw(identifier);
+    if (now != SettingsMatter::unknown)
+        known = now;
 }
 
 void FilterSettingsGuide::showApprovalAlert()

@@ -164,10 +164,12 @@ void MenuBarController::forgetDisplay()
     m_state.contact = inGrace ? ServiceContact::starting : ServiceContact::unreachable;
 }
 
-// The lines, the page's view of them and the offer to update all follow from the two components' state.
+// The lines, the page's view of them, the offer to update and the alerts that say where a pane is all follow from the
+// two components' state.
 void MenuBarController::componentsChanged()
 {
     refreshStatusItem();
+    m_settingsGuide.componentsChanged(m_dependencies.monitor.filterStatus(), m_dependencies.monitor.serviceState());
     m_upgradePrompt.update();
     m_dependencies.deviceSetup.componentsChanged();
 }

@@ -5,6 +5,7 @@
 #include "track/AppAlertPresenter.h"
 
 #include <gtest/gtest.h>
+#include <ranges>
 
 namespace brevanta {
 
@@ -40,18 +41,65 @@ TEST_F(FilterSettingsGuideTest, WhereNoPaneOpensTheWayIsTold)
     guide.openFilterApprovalPane();
     mainLoop.runPosted();
     EXPECT_EQ(workspace.opened.size(), 2U);
-    EXPECT_EQ(log.lines,
-        (std::vector<std::string> { "[MenuBar] versioned System Settings pane did not open; trying the fallback pane",
-            "[MenuBar] System Settings did not open at all; showing the manual path" }));
-    ASSERT_EQ(panel.presented.size(), 1U);
-    EXPECT_EQ(panel.presented[0].identifier, "settingsOpenFailed");
-    EXPECT_EQ(panel.presented[0].style, AlertStyle::warning);
-    EXPECT_EQ(panel.presented[0].informativeText,
-        "Open System Settings yourself: General, then Login Items & Extensions, then Network Extensions, and turn on "
-        "Brevanta Filter.");
     guide.openLoginItemsSettings();
     mainLoop.runPosted();
-    EXPECT_EQ(log.lines.back(), "[MenuBar] the Login Items pane did not open");
+    EXPECT_EQ(log.lines,
+        (std::vector<std::string> { "[MenuBar] versioned System Settings pane did not open; trying the fallback pane",
+            "[MenuBar] System Settings did not open at all; showing the manual path",
+            "[MenuBar] the Login Items pane did not open" }));
+    panel.answer({ .end = AlertEnd::button, .button = 0 });
+    mainLoop.runPosted();
+    const Alert filterPath { .identifier = "settingsOpenFailed",
+        .style = AlertStyle::warning,
+        .message = "System Settings did not open",
+        .informativeText = "Open System Settings yourself: General, then Login Items & Extensions, then Network "
+                           "Extensions, and turn on Brevanta Filter.",
+        .buttons = { "OK" } };
+    auto loginItemsPath = filterPath;
+    loginItemsPath.identifier = "loginItemsOpenFailed";
+    loginItemsPath.informativeText = "Open System Settings yourself: General, then Login Items & Extensions, and allow "
+                                     "Brevanta to run in the background.";
+    EXPECT_EQ(panel.presented, (std::vector { filterPath, loginItemsPath }));
+}
+
+TEST_F(FilterSettingsGuideTest, TheWayIsTakenBackOnceThereIsNothingToDoThere)
+{
+    using enum FilterStatus;
+    const DaemonHealth::State turnedOff = DaemonHealth::TurnedOffInSettings {};
+    const DaemonHealth::State unclear = DaemonHealth::Checking {};
+    struct Case {
+        void (FilterSettingsGuide::*open)();
+        std::vector<std::pair<FilterStatus, DaemonHealth::State>> seen; // The first before the alert.
+        bool isSettled;
+    };
+    const auto filter = &FilterSettingsGuide::openFilterApprovalPane;
+    const auto loginItems = &FilterSettingsGuide::openLoginItemsSettings;
+    const DaemonHealth::State notRunning = DaemonHealth::NotRunning {};
+    workspace.outcome = OpenOutcome::refused;
+    for (const auto& [open, seen, isSettled] : std::initializer_list<Case> {
+             { filter, { { awaitingApproval, unclear }, { checking, unclear }, { cantCheck, turnedOff } }, false },
+             { filter, { { awaitingApproval, unclear }, { checking, unclear }, { on, turnedOff } }, true },
+             { filter, { { awaitingApproval, unclear }, { off, unclear } }, true },
+             { filter, { { off, turnedOff }, { off, notRunning } }, false },
+             { filter, { { off, unclear }, { awaitingApproval, unclear } }, false },
+             { filter, { { off, unclear }, { on, unclear } }, true },
+             { filter, { { on, unclear }, { on, unclear } }, false }, // The page may open the pane at any time.
+             { loginItems, { { awaitingApproval, turnedOff }, { on, unclear } }, false },
+             { loginItems, { { on, turnedOff }, { on, DaemonHealth::Starting {} } }, false },
+             { loginItems, { { on, turnedOff }, { on, unclear }, { on, notRunning } }, true },
+             { loginItems, { { on, turnedOff }, { on, DaemonHealth::Running {} } }, true },
+         }) {
+        guide.componentsChanged(seen.front().first, seen.front().second);
+        (guide.*open)();
+        mainLoop.runPosted();
+        ASSERT_EQ(panel.onScreen(), 1U);
+        for (const auto& [status, service] : seen | std::views::drop(1))
+            guide.componentsChanged(status, service);
+        mainLoop.runPosted();
+        EXPECT_EQ(panel.onScreen(), isSettled ? 0U : 1U);
+        panel.answer({ .end = AlertEnd::button, .button = 0 });
+        mainLoop.runPosted();
+    }
 }
 
 TEST_F(FilterSettingsGuideTest, TheApprovalIsExplainedOnceAndLeadsToThePane)

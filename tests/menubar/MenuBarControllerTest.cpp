@@ -310,10 +310,17 @@ TEST_F(MenuBarControllerTest, EachRemedyOfTheServiceIsOneChoiceAway)
     components.services.backgroundItems.result = BackgroundItem::requiresApproval;
     for (int ticks = 0; ticks < 3; ++ticks)
         tick();
+    components.workspace.outcome = OpenOutcome::refused;
     statusItem.choose("⚠ Blocking Service Turned Off in System Settings…");
     EXPECT_EQ(components.installer.begun, 4);
     EXPECT_EQ(components.workspace.opened,
         std::vector<std::string> { "x-apple.systempreferences:com.apple.LoginItems-Settings.extension" });
+    tick();
+    EXPECT_EQ(components.panel.presented.back().identifier, "loginItemsOpenFailed");
+    EXPECT_EQ(components.panel.onScreen(), 1U);
+    answer({ { "daemon_version", "1.2.3" } });
+    tick();
+    EXPECT_EQ(components.panel.onScreen(), 0U) << "it runs again";
 }
 
 TEST_F(MenuBarControllerTest, AFilterThatIsCurrentIsConfiguredOrLedToItsPane)
