@@ -1,6 +1,7 @@
 #include "gtk/AlertPanelGtk.h"
 
 #include "base/Executor.h"
+#include "gtk/ApplicationIcon.h"
 #include "gtk/GLibText.h"
 
 #include <ranges>
@@ -9,6 +10,9 @@
 namespace brevanta {
 
 namespace {
+
+constexpr int iconSize = 64;
+constexpr int titleBarHeight = 16;
 
 Gtk::MessageType messageType(AlertStyle style)
 {
@@ -25,9 +29,10 @@ AlertResponse responseOf(int number, std::size_t buttonCount)
 
 }
 
-AlertPanelGtk::AlertPanelGtk(Gtk::Window& mainWindow, Executor& mainThread)
+AlertPanelGtk::AlertPanelGtk(Gtk::Window& mainWindow, Executor& mainThread, std::filesystem::path resources)
     : m_mainWindow(mainWindow)
     , m_mainThread(mainThread)
+    , m_resources(std::move(resources))
 {
 }
 
@@ -52,7 +57,14 @@ std::shared_ptr<Gtk::MessageDialog> AlertPanelGtk::newDialog(const Alert& alert)
 {
     auto dialog = std::make_shared<Gtk::MessageDialog>(
         validUtf8(alert.message), false, messageType(alert.style), Gtk::BUTTONS_NONE, true);
+    // Its title is for lists of windows: in a title bar it would stand above the same words. So that bar is an empty
+    // one of our own, by which the alert can still be moved.
     dialog->set_title(validUtf8(alert.message));
+    auto& titleBar = *Gtk::make_managed<Gtk::Box>();
+    titleBar.set_size_request(-1, titleBarHeight);
+    titleBar.show();
+    dialog->set_titlebar(titleBar);
+    showIcon(*dialog);
     dialog->set_secondary_text(validUtf8(alert.informativeText));
     // The default button stands on the right, as the desktop's own dialogs have it.
     for (auto number = static_cast<int>(alert.buttons.size()) - 1; number >= 0; --number)
@@ -65,6 +77,23 @@ std::shared_ptr<Gtk::MessageDialog> AlertPanelGtk::newDialog(const Alert& alert)
     else
         dialog->set_position(Gtk::WIN_POS_CENTER);
     return dialog;
+}
+
+void AlertPanelGtk::showIcon(Gtk::MessageDialog& dialog)
+{
+    const auto scale = dialog.get_scale_factor();
+    const auto picture = applicationIcon(m_resources, iconSize, scale);
+    auto* const row = dynamic_cast<Gtk::Box*>(dialog.get_message_area()->get_parent());
+    if (!picture || !row)
+        return; // The window has logged why.
+    dialog.set_icon(*picture);
+    auto* const surface = gdk_cairo_surface_create_from_pixbuf((*picture)->gobj(), scale, nullptr);
+    auto& image = *Gtk::make_managed<Gtk::Image>(Cairo::RefPtr<Cairo::Surface>(new Cairo::Surface(surface, true)));
+    image.set_valign(Gtk::ALIGN_START);
+    image.get_accessible()->set_name("Brevanta");
+    image.show();
+    row->pack_start(image, Gtk::PACK_SHRINK);
+    row->reorder_child(image, 0);
 }
 
 void AlertPanelGtk::end(const std::string& identifier, AlertResponse response)

@@ -3,6 +3,7 @@
 #include "base/LifeToken.h"
 #include "platform/AlertPanel.h"
 
+#include <filesystem>
 #include <gtkmm.h>
 #include <map>
 #include <memory>
@@ -15,8 +16,9 @@ class Executor;
 class AlertPanelGtk final : public AlertPanel {
 public:
     // Alerts stand above `mainWindow` while it is visible. Both outlive this object, whose end takes open alerts off
-    // the screen without ending them.
-    AlertPanelGtk(Gtk::Window& mainWindow, Executor& mainThread);
+    // the screen without ending them. `resources` holds the application's icon, brevanta.svg, which each alert shows as
+    // on a Mac; it is left out when it cannot be shown.
+    AlertPanelGtk(Gtk::Window& mainWindow, Executor& mainThread, std::filesystem::path resources);
     ~AlertPanelGtk() override;
     AlertPanelGtk(const AlertPanelGtk&) = delete;
     AlertPanelGtk& operator=(const AlertPanelGtk&) = delete;
@@ -32,10 +34,12 @@ private:
     };
 
     [[nodiscard]] std::shared_ptr<Gtk::MessageDialog> newDialog(const Alert& alert);
+    void showIcon(Gtk::MessageDialog& dialog);
     void end(const std::string& identifier, AlertResponse response);
 
     Gtk::Window& m_mainWindow;
     Executor& m_mainThread;
+    std::filesystem::path m_resources;
     std::map<std::string, OpenAlert> m_open;
     LifeToken m_life;
 };

@@ -123,7 +123,7 @@ Run runApplication(
     MainWindowGtk mainWindow(*session.application.operator->(), resources,
         { .page = webView.widget(), .placeholder = placeholder.widget() }, *log);
     StatusItemGtk statusItem(session.bus->gobj(), resources, mainLoop);
-    AlertPanelGtk alerts(mainWindow.window(), mainLoop);
+    AlertPanelGtk alerts(mainWindow.window(), mainLoop, resources);
     OpenPanelGtk openPanel(mainWindow.window(), mainLoop);
     WorkspaceGtk workspace(mainLoop, configuration.root);
     const auto identity = desktopIdentity(configuration, resources);

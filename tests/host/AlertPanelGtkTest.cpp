@@ -34,7 +34,7 @@ protected:
     }
 
     Gtk::Window window;
-    AlertPanelGtk alerts { window, loop };
+    AlertPanelGtk alerts { window, loop, BREVANTA_RESOURCES };
     Alert alert { .identifier = "one",
         .style = AlertStyle::warning,
         .message = "A <b>message</b> with a_b",
@@ -80,12 +80,20 @@ TEST_F(AlertPanelGtkTest, ASecondAlertOfANameIsNotShown)
     EXPECT_EQ(second, (AlertResponse { AlertEnd::withdrawn, 0 }));
 }
 
-TEST_F(AlertPanelGtkTest, TextsStandAsTheyAre)
+TEST_F(AlertPanelGtkTest, TheTextsStandOnceAndAsTheyAreBesideTheApplicationsIcon)
 {
+    Gtk::Settings::get_default()->property_gtk_dialogs_use_header() = true; // As GNOME has it.
     (void)endOf([&] {
-        EXPECT_EQ(dialogs()[0]->property_text().get_value(), "A <b>message</b> with a_b");
-        EXPECT_FALSE(dialogs()[0]->property_use_markup().get_value());
-        EXPECT_EQ(dialogs()[0]->property_secondary_text().get_value(), "More & more");
+        std::vector<std::string> texts;
+        for (const auto* const label : widgetsIn<Gtk::Label>(*dialogs()[0]))
+            texts.push_back(label->get_text());
+        EXPECT_EQ(std::ranges::count(texts, alert.message), 1);
+        EXPECT_EQ(std::ranges::count(texts, alert.informativeText), 1);
+        EXPECT_TRUE(dialogs()[0]->get_titlebar()) << "the desktop's own one would show the message";
+        const auto images = widgetsIn<Gtk::Image>(*dialogs()[0]);
+        ASSERT_EQ(images.size(), 1U);
+        EXPECT_TRUE(images[0]->get_visible());
+        EXPECT_EQ(images[0]->get_storage_type(), Gtk::IMAGE_SURFACE);
         dialogs()[0]->response(0);
     });
 }
