@@ -3,6 +3,7 @@
 #include "platform/Clock.h"
 #include "platform/MainLoop.h"
 #include "platform/SystemLog.h"
+#include "web/LoadFailure.h"
 
 #include <algorithm>
 #include <utility>
@@ -28,6 +29,16 @@ const char* nameOf(ShellRecoverSource source)
     return "authWatchdog";
 }
 
+}
+
+// Which failure the placeholder stands for, where the event is one; the placeholder's own words are the same for all.
+static std::string_view failureBehind(const ShellLoadEvent& event)
+{
+    if (const auto* const failure = std::get_if<ShellLoadEvent::DidFail>(&event.what))
+        return plainWords({ failure->domain, failure->code });
+    if (std::holds_alternative<ShellLoadEvent::ContentProcessTerminated>(event.what))
+        return contentProcessEndedWords;
+    return {};
 }
 
 PlaceholderContent placeholderContent(ShellPlaceholderState state)
@@ -92,6 +103,8 @@ std::vector<ShellLoadCommand> ShellLoadCoordinator::dispatch(const ShellLoadEven
     m_dependencies.log.log("[ShellLoad] " + reason + " → phase=" + std::string(describe(m_reducer.phase()))
         + " attempt=" + std::to_string(m_reducer.attempt())
         + " inFlight=" + (inFlight ? std::to_string(*inFlight) : "nil") + " commands=" + describe(commands));
+    if (const auto failure = failureBehind(event); !failure.empty())
+        m_dependencies.log.log("[ShellLoad] no page is shown: " + std::string(failure));
     for (const auto& command : commands)
         std::visit(Execution { *this }, command.what);
     return commands;

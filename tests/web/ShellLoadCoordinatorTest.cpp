@@ -98,7 +98,8 @@ TEST_F(ShellLoadCoordinatorTest, RetriesLaterAndLaterAndWaitsLongerEachTime)
     EXPECT_EQ(log.lines.at(1),
         "[ShellLoad] didFail gen 1 NSURLErrorDomain -1001 → phase=blank attempt=1 inFlight=nil "
         "commands=[showPlaceholder(retrying), scheduleRetry(2, after: 1.0)]");
-    EXPECT_EQ(log.lines.at(2),
+    EXPECT_EQ(log.lines.at(2), "[ShellLoad] no page is shown: the server has not answered in time");
+    EXPECT_EQ(log.lines.at(3),
         "[ShellLoad] retry timer gen 2 → phase=provisional attempt=1 inFlight=2 commands=[load(2, 30.0)]");
 }
 
@@ -113,6 +114,30 @@ TEST_F(ShellLoadCoordinatorTest, AFinalFailureWaitsForTheUser)
     EXPECT_EQ(webView.loads.size(), 2U);
     placeholder.pressButton();
     EXPECT_EQ(webView.loads.size(), 2U) << "there is no button while it loads";
+}
+
+TEST_F(ShellLoadCoordinatorTest, TheLogSaysInPlainWordsWhatThePlaceholderStandsFor)
+{
+    const std::string intro = "[ShellLoad] no page is shown: ";
+    for (const auto& [error, words] : std::initializer_list<std::pair<WebError, const char*>> {
+             { { "NSURLErrorDomain", -1009 }, "this computer is offline" },
+             { { "NSURLErrorDomain", -1202 }, "the server's certificate is not valid or not trusted" },
+             { { "NSURLErrorDomain", -1011 }, "the server answered with an error" },
+             { { "NSURLErrorDomain", -9999 }, "the page could not be loaded" },
+             { { "WebKitErrorDomain", -1009 }, "the page could not be loaded" } }) {
+        create();
+        startFirstLoad();
+        failLast(error);
+        EXPECT_EQ(log.lines.back(), intro + words);
+    }
+    makeUsable();
+    coordinator->contentProcessDidTerminate();
+    EXPECT_EQ(log.lines.back(), intro + "the process that shows the page has crashed or was ended");
+    makeUsable();
+    log.lines.clear();
+    coordinator->userRetry();
+    failLast(tlsFailed);
+    EXPECT_EQ(log.lines.size(), 1U) << "the page that was showing stays";
 }
 
 TEST_F(ShellLoadCoordinatorTest, TryAgainTakesThePlaceOfTheRetryThatWaits)
