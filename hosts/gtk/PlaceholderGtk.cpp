@@ -22,7 +22,6 @@ PlaceholderGtk::PlaceholderGtk(const std::filesystem::path& resources)
     auto size = Pango::Attribute::create_attr_size(labelPoints * PANGO_SCALE);
     attributes.insert(size);
     m_label.set_attributes(attributes);
-    m_label.get_style_context()->add_class("dim-label");
     m_label.set_justify(Gtk::JUSTIFY_CENTER);
     m_label.set_line_wrap(true);
     m_label.set_max_width_chars(labelColumns);

@@ -2,6 +2,9 @@
 
 #include "host/DisplayTest.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace brevanta {
 
 namespace {
@@ -17,6 +20,30 @@ protected:
 
     Gtk::Label& label() { return *widgetsIn<Gtk::Label>(placeholder.widget()).front(); }
     Gtk::Button& button() { return *widgetsIn<Gtk::Button>(placeholder.widget()).front(); }
+
+    // The luminances of what the label shows, from the darkest to the brightest: WCAG 2.1, "relative luminance".
+    std::vector<double> luminances()
+    {
+        int x = 0;
+        int y = 0;
+        label().translate_coordinates(window, 0, 0, x, y);
+        const auto pixels = Gdk::Pixbuf::create(
+            window.get_window(), x, y, label().get_allocated_width(), label().get_allocated_height());
+        const auto linear = [](guint8 part) {
+            const double share = part / 255.0;
+            return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+        };
+        std::vector<double> found;
+        for (int row = 0; row < pixels->get_height(); ++row) {
+            for (int column = 0; column < pixels->get_width(); ++column) {
+                const auto* const pixel
+                    = pixels->get_pixels() + row * pixels->get_rowstride() + column * pixels->get_n_channels();
+                found.push_back(0.2126 * linear(pixel[0]) + 0.7152 * linear(pixel[1]) + 0.0722 * linear(pixel[2]));
+            }
+        }
+        std::ranges::sort(found);
+        return found;
+    }
 
     PlaceholderGtk placeholder { BREVANTA_RESOURCES };
     Gtk::Window window;
@@ -65,6 +92,23 @@ TEST_F(PlaceholderGtkTest, TheButtonCallsTheLastHandlerAndNoneAfterAnEmptyOne)
     placeholder.setButtonHandler({});
     button().clicked();
     EXPECT_EQ(pressed, "abb");
+}
+
+TEST_F(PlaceholderGtkTest, ItsWordsCanBeReadInLightAndDark)
+{
+    const auto look = loop.startTimer(0.05, TimerRepeat::forever, [] { }); // For `serveUntil` to look again.
+    placeholder.show({ .label = "Brevanta can't be reached right now.", .button = "" });
+    for (const bool dark : { false, true }) {
+        Gtk::Settings::get_default()->property_gtk_application_prefer_dark_theme() = dark;
+        std::vector<double> shown;
+        EXPECT_TRUE(serveUntil([&] {
+            shown = luminances();
+            const double ground = shown.at(shown.size() / 2);
+            return (ground < 0.2) == dark && shown.front() != shown.back();
+        }));
+        EXPECT_GE((shown.back() + 0.05) / (shown.front() + 0.05), 4.5) << (dark ? "dark" : "light");
+    }
+    Gtk::Settings::get_default()->property_gtk_application_prefer_dark_theme() = false;
 }
 
 TEST_F(PlaceholderGtkTest, DoesWithoutAPicture)
