@@ -47,7 +47,8 @@ struct AdministratorGtk::Run {
     std::string script;
     std::function<void(Result)> onEnd;
     std::unique_ptr<Gtk::Dialog> dialog {};
-    Gtk::Entry* password {}; // In the dialog.
+    Gtk::Entry* password {}; // In the dialog, as the next.
+    Gtk::Label* complaint {};
     std::unique_ptr<ShellProcess> shell {};
 };
 
@@ -93,12 +94,23 @@ void AdministratorGtk::ask(const std::string& prompt)
     password.set_visibility(false);
     password.set_input_purpose(Gtk::INPUT_PURPOSE_PASSWORD);
     password.set_activates_default(true);
+    password.get_accessible()->set_name("Password");
     m_run->password = &password;
+    auto& complaint
+        = *Gtk::make_managed<Gtk::Label>("The password is empty. Type it, or choose Cancel.", Gtk::ALIGN_START);
+    complaint.get_accessible()->set_role(Atk::ROLE_NOTIFICATION);
+    complaint.set_no_show_all(true);
+    m_run->complaint = &complaint;
+    password.signal_changed().connect([&complaint, &password] {
+        complaint.hide();
+        password.get_accessible()->set_description("");
+    });
     auto& content = *dialog.get_content_area();
     content.set_spacing(spacing);
     content.set_border_width(spacing);
     content.pack_start(label);
     content.pack_start(password);
+    content.pack_start(complaint);
     dialog.add_button("Cancel", Gtk::RESPONSE_CANCEL);
     dialog.add_button("OK", Gtk::RESPONSE_OK);
     dialog.set_default_response(Gtk::RESPONSE_OK);
@@ -119,6 +131,8 @@ void AdministratorGtk::answer(int response)
         return;
     const bool confirms = response == Gtk::RESPONSE_OK;
     if (confirms && m_run->password->get_text_length() == 0) {
+        m_run->complaint->show();
+        m_run->password->get_accessible()->set_description(m_run->complaint->get_text());
         m_run->password->error_bell();
         m_run->password->grab_focus();
         return;

@@ -107,9 +107,15 @@ TEST_F(AdministratorGtkTest, TheDialogHidesThePasswordAndTakesAnyButAnEmptyOne)
     EXPECT_EQ(widgetsIn<Gtk::Label>(*dialog).at(0)->get_text(), "Give the <password> of a_b");
     auto& password = passwordIn(*dialog);
     EXPECT_FALSE(password.get_visibility());
+    EXPECT_EQ(password.get_accessible()->get_name(), "Password");
+    auto& complaint = *widgetsIn<Gtk::Label>(*dialog).at(1);
+    EXPECT_FALSE(complaint.get_visible());
     dialog->response(Gtk::RESPONSE_OK);
     EXPECT_EQ(visibleDialog(), dialog) << "an empty password";
+    EXPECT_TRUE(complaint.get_mapped());
+    EXPECT_EQ(password.get_accessible()->get_description(), complaint.get_text());
     password.set_text("secret");
+    EXPECT_FALSE(complaint.get_visible()) << "it is empty no more";
     std::optional<std::string> left;
     dialog->signal_hide().connect([&] { left = password.get_text(); });
     gtk_widget_activate(GTK_WIDGET(password.gobj())); // The Return key's doing.
