@@ -6,6 +6,11 @@ namespace brevanta {
 
 namespace {
 
+// WebKit's own domain, and its number for what the client's rules end: the page of WKError, and WebKitGTK's of
+// WebKitPolicyError.
+constexpr std::string_view webKitDomain = "WebKitErrorDomain";
+constexpr std::int64_t interruptedByPolicy = 102;
+
 std::string_view plainWords(UrlError code)
 {
     switch (code) {
@@ -57,6 +62,8 @@ std::string_view plainWords(const WebError& error)
         return plainWords(static_cast<UrlError>(error.code));
     if (error.domain == "ShellLoadCoordinator")
         return {};
+    if (error.domain == webKitDomain && error.code == interruptedByPolicy)
+        return "what is at this address is not shown in this window";
     return plainWords(UrlError::unknown);
 }
 

@@ -124,6 +124,7 @@ TEST_F(ShellLoadCoordinatorTest, TheLogSaysInPlainWordsWhatThePlaceholderStandsF
              { { "NSURLErrorDomain", -1202 }, "the server's certificate is not valid or not trusted" },
              { { "NSURLErrorDomain", -1011 }, "the server answered with an error" },
              { { "NSURLErrorDomain", -9999 }, "the page could not be loaded" },
+             { { "WebKitErrorDomain", 102 }, "what is at this address is not shown in this window" },
              { { "WebKitErrorDomain", -1009 }, "the page could not be loaded" } }) {
         create();
         startFirstLoad();
