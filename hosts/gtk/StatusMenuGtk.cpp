@@ -1,6 +1,7 @@
 #include "gtk/StatusMenuGtk.h"
 
 #include "gtk/GLibText.h"
+#include "platform/MenuChoice.h"
 
 #include <algorithm>
 #include <utility>
@@ -85,7 +86,7 @@ void StatusMenuGtk::choose(std::size_t index) const
 {
     // The bus lets anybody activate a row that cannot be chosen on screen, or a row that has changed meanwhile.
     const auto& item = m_shown.items[index];
-    if (item.kind == MenuItemKind::command && item.enabled && item.visible)
+    if (canBeChosen(item))
         m_chosen(item.id);
 }
 

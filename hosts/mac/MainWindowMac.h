@@ -8,6 +8,10 @@ NS_ASSUME_NONNULL_BEGIN
 
 // Hides the window instead of letting it close (documentation page NSWindowDelegate).
 @interface BrevantaWindowDelegate : NSObject <NSWindowDelegate>
+
+// A window in full screen leaves that first: hidden at once it would leave an empty screen behind.
+- (void)hideWindow:(NSWindow*)window;
+
 @end
 
 namespace brevanta {

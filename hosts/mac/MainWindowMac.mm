@@ -3,15 +3,35 @@
 #include "mac/PlaceholderMac.h"
 #include "mac/TextMac.h"
 #include "mac/WebViewMac.h"
+#include "web/WindowFrame.h"
 
 #include <algorithm>
 
-@implementation BrevantaWindowDelegate
+@implementation BrevantaWindowDelegate {
+    BOOL _hidesAfterFullScreen;
+}
 
 - (BOOL)windowShouldClose:(NSWindow*)sender
 {
-    [sender orderOut:nil];
+    [self hideWindow:sender];
     return NO;
+}
+
+- (void)hideWindow:(NSWindow*)window
+{
+    if ((window.styleMask & NSWindowStyleMaskFullScreen) == 0)
+        return [window orderOut:nil];
+    _hidesAfterFullScreen = YES;
+    [window toggleFullScreen:nil];
+}
+
+- (void)windowDidExitFullScreen:(NSNotification*)notification
+{
+    if (!_hidesAfterFullScreen)
+        return;
+    _hidesAfterFullScreen = NO;
+    NSWindow* const window = notification.object;
+    [window orderOut:nil];
 }
 
 @end
@@ -34,6 +54,7 @@ NSWindow* createWindow(const MainWindowLayout& layout)
                                                              defer:YES];
     window.title = displayString(layout.title);
     window.releasedWhenClosed = NO; // ARC owns it.
+    window.contentMinSize = NSSize { leastContentSize.width, leastContentSize.height };
     if (![window setFrameUsingName:frameName])
         [window center];
     [window setFrameAutosaveName:frameName];
@@ -76,7 +97,11 @@ void MainWindowMac::showInFront()
     [m_window makeKeyAndOrderFront:nil];
 }
 
-void MainWindowMac::hide() { [m_window orderOut:nil]; }
+void MainWindowMac::hide()
+{
+    if (NSWindow* const window = m_window)
+        [m_delegate hideWindow:window];
+}
 
 bool MainWindowMac::isVisible() const { return m_window.visible; }
 

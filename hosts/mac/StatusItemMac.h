@@ -8,11 +8,14 @@
 
 namespace brevanta {
 
+class MainMenuMac;
+
 // The item in the menu bar (documentation page NSStatusItem), with the bundle's images "brevanta-open",
 // "brevanta-block" and "brevanta-unknown". An image that is missing is replaced by the description as title.
 class StatusItemMac final : public StatusItem {
 public:
-    StatusItemMac();
+    // The main menu, which repeats some of the item's menu, outlives this object.
+    explicit StatusItemMac(MainMenuMac& mainMenu);
     ~StatusItemMac() override;
 
     StatusItemMac(const StatusItemMac&) = delete;
@@ -32,6 +35,7 @@ private:
 
     void showFace(const Face& face);
 
+    MainMenuMac& m_mainMenu;
     NSStatusItem* m_item;
     StatusMenuMac m_menu;
     std::optional<Face> m_shownFace;

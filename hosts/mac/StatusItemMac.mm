@@ -1,5 +1,6 @@
 #include "mac/StatusItemMac.h"
 
+#include "mac/MainMenuMac.h"
 #include "mac/TextMac.h"
 
 #include <utility>
@@ -23,13 +24,18 @@ NSImageName imageName(StatusImage image)
 
 }
 
-StatusItemMac::StatusItemMac()
-    : m_item([NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength])
+StatusItemMac::StatusItemMac(MainMenuMac& mainMenu)
+    : m_mainMenu(mainMenu)
+    , m_item([NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength])
 {
     m_item.menu = m_menu.nativeMenu();
 }
 
-StatusItemMac::~StatusItemMac() { [NSStatusBar.systemStatusBar removeStatusItem:m_item]; }
+StatusItemMac::~StatusItemMac()
+{
+    m_mainMenu.setChoiceHandler({});
+    [NSStatusBar.systemStatusBar removeStatusItem:m_item];
+}
 
 void StatusItemMac::show(const StatusItemContent& content)
 {
@@ -39,6 +45,7 @@ void StatusItemMac::show(const StatusItemContent& content)
         m_shownFace = std::move(face);
     }
     m_menu.show(content.menu);
+    m_mainMenu.show(content.menu);
 }
 
 void StatusItemMac::showFace(const Face& face)
@@ -55,6 +62,7 @@ void StatusItemMac::showFace(const Face& face)
 
 void StatusItemMac::setChoiceHandler(std::function<void(MenuItemId)> handler)
 {
+    m_mainMenu.setChoiceHandler(handler);
     m_menu.setChoiceHandler(std::move(handler));
 }
 

@@ -20,6 +20,9 @@ NS_ASSUME_NONNULL_BEGIN
 
 namespace brevanta {
 
+// Makes the native item, which calls a BrevantaMenuTarget, show this one.
+void updateMenuItem(NSMenuItem* _Nullable native, const MenuItem& item);
+
 // Shows a `Menu` value in an NSMenu (documentation pages NSMenu and NSMenuItem). Main thread only.
 class StatusMenuMac {
 public:

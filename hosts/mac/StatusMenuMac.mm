@@ -23,9 +23,7 @@ using brevanta::MenuItemId;
 
 namespace brevanta {
 
-namespace {
-
-void update(NSMenuItem* native, const MenuItem& item)
+void updateMenuItem(NSMenuItem* _Nullable native, const MenuItem& item)
 {
     native.tag = item.tag;
     native.hidden = !item.visible;
@@ -35,8 +33,6 @@ void update(NSMenuItem* native, const MenuItem& item)
     native.title = displayString(item.title);
     native.keyEquivalent = displayString(item.keyEquivalent);
     native.enabled = item.enabled;
-}
-
 }
 
 StatusMenuMac::StatusMenuMac()
@@ -58,7 +54,7 @@ void StatusMenuMac::show(const Menu& menu)
             [m_nativeMenu removeItemAtIndex:index];
         if (!known || m_shown.items[i].kind != item.kind)
             [m_nativeMenu insertItem:createItem(item.kind) atIndex:index];
-        update([m_nativeMenu itemAtIndex:index], item);
+        updateMenuItem([m_nativeMenu itemAtIndex:index], item);
     }
     for (std::size_t i = m_shown.items.size(); i > menu.items.size(); --i)
         [m_nativeMenu removeItemAtIndex:static_cast<NSInteger>(i - 1)];

@@ -107,11 +107,11 @@ void runApplication(const BuildConfiguration& configuration)
     SerialQueue installerQueue(queueThread("com.brevanta.daemon-installer"));
     SerialQueue programQueue(queueThread("com.brevanta.programs"));
     ApplicationLifecycleMac lifecycle(mainLoop);
-    installMainMenu(NSApplication.sharedApplication);
+    MainMenuMac mainMenu(NSApplication.sharedApplication);
     WebViewMac webView(mainLoop);
     PlaceholderMac placeholder;
     MainWindowMac mainWindow(webView, placeholder);
-    StatusItemMac statusItem;
+    StatusItemMac statusItem(mainMenu);
     AlertPanelMac alerts(mainLoop);
     OpenPanelMac openPanel(mainLoop, mainWindow);
     WorkspaceMac workspace(mainLoop);

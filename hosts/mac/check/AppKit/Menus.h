@@ -8,6 +8,7 @@ NS_ASSUME_NONNULL_BEGIN
 
 // Documentation: NSEventModifierFlags; macOS 10.10.
 typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
+    NSEventModifierFlagControl = 1UL << 18,
     NSEventModifierFlagOption = 1UL << 19,
     NSEventModifierFlagCommand = 1UL << 20
 };
@@ -27,6 +28,11 @@ typedef NS_OPTIONS(NSUInteger, NSEventModifierFlags) {
 @property NSInteger tag;
 @property (nullable, strong) id representedObject;
 @property (nullable, weak) id target;
+@end
+
+// Documentation: NSMenuItemValidation; macOS 10.14.
+@protocol NSMenuItemValidation <NSObject>
+- (BOOL)validateMenuItem:(NSMenuItem*)menuItem;
 @end
 
 // Documentation: NSMenu; macOS 10.0.

@@ -126,4 +126,9 @@ typedef NS_ENUM(NSInteger, NSLayoutAttribute) { NSLayoutAttributeCenterX = 9 };
 - (void)selectAll:(nullable id)sender;
 @end
 
+// Documentation: NSTextView; macOS 10.0. Text and web views answer this menu action.
+@interface NSTextView : NSText
+- (void)pasteAsPlainText:(nullable id)sender;
+@end
+
 NS_ASSUME_NONNULL_END

@@ -10,7 +10,8 @@ typedef NS_OPTIONS(NSUInteger, NSWindowStyleMask) {
     NSWindowStyleMaskTitled = 1 << 0,
     NSWindowStyleMaskClosable = 1 << 1,
     NSWindowStyleMaskMiniaturizable = 1 << 2,
-    NSWindowStyleMaskResizable = 1 << 3
+    NSWindowStyleMaskResizable = 1 << 3,
+    NSWindowStyleMaskFullScreen = 1 << 14 // macOS 10.7
 };
 
 // Documentation: NSBackingStoreType; macOS 10.0.
@@ -23,6 +24,7 @@ typedef NSString* NSWindowFrameAutosaveName;
 @protocol NSWindowDelegate <NSObject>
 @optional
 - (BOOL)windowShouldClose:(NSWindow*)sender;
+- (void)windowDidExitFullScreen:(NSNotification*)notification; // macOS 10.7
 @end
 
 // Documentation: NSWindow; macOS 10.0.
@@ -34,6 +36,8 @@ typedef NSString* NSWindowFrameAutosaveName;
 @property (nullable, weak) id<NSWindowDelegate> delegate;
 @property (copy) NSString* title;
 @property (nullable, strong) NSView* contentView;
+@property NSSize contentMinSize;
+@property (readonly) NSWindowStyleMask styleMask;
 @property (readonly) NSRect contentLayoutRect; // macOS 10.10
 @property (getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
 @property (readonly, getter=isVisible) BOOL visible;
@@ -48,6 +52,7 @@ typedef NSString* NSWindowFrameAutosaveName;
 - (void)performClose:(nullable id)sender;
 - (void)performMiniaturize:(nullable id)sender;
 - (void)performZoom:(nullable id)sender;
+- (void)toggleFullScreen:(nullable id)sender; // macOS 10.7
 @end
 
 // Documentation: NSAlertStyle; macOS 10.12.

@@ -146,6 +146,7 @@ extern "C" NSString* NSStringFromSelector(SEL aSelector);
 
 // Documentation: NSNotification; macOS 10.0.
 @interface NSNotification : NSObject
+@property (nullable, readonly, strong) id object;
 @property (nullable, readonly, copy) NSDictionary* userInfo;
 @end
 
