@@ -10,10 +10,12 @@ constexpr int askingMilliseconds = 500;
 
 }
 
-NameOwnerWatch::NameOwnerWatch(GDBusConnection* bus, std::string name, std::function<void()> onLost)
+NameOwnerWatch::NameOwnerWatch(
+    GDBusConnection* bus, std::string name, std::function<void()> onLost, std::function<void()> onGained)
     : m_bus(share(bus))
     , m_name(std::move(name))
     , m_onLost(std::move(onLost))
+    , m_onGained(std::move(onGained))
     , m_watch(g_bus_watch_name_on_connection(
           bus, m_name.c_str(), G_BUS_NAME_WATCHER_FLAGS_NONE, nameAppeared, nameVanished, this, nullptr))
 {
@@ -30,7 +32,10 @@ bool NameOwnerWatch::hasOwner() const
 
 void NameOwnerWatch::nameAppeared(GDBusConnection*, const char*, const char*, gpointer watch)
 {
-    static_cast<NameOwnerWatch*>(watch)->m_ownership = Ownership::owned;
+    auto& self = *static_cast<NameOwnerWatch*>(watch);
+    self.m_ownership = Ownership::owned;
+    if (self.m_onGained)
+        self.m_onGained();
 }
 
 void NameOwnerWatch::nameVanished(GDBusConnection*, const char*, gpointer watch)

@@ -11,8 +11,9 @@ namespace brevanta {
 class NameOwnerWatch {
 public:
     // `onLost` is called by the main loop whenever the owner goes without another one in its place, and once soon
-    // after the start when there is none.
-    NameOwnerWatch(GDBusConnection* bus, std::string name, std::function<void()> onLost = {});
+    // after the start when there is none; `onGained` whenever there is an owner, and once soon after the start too.
+    NameOwnerWatch(
+        GDBusConnection* bus, std::string name, std::function<void()> onLost = {}, std::function<void()> onGained = {});
     ~NameOwnerWatch();
     NameOwnerWatch(const NameOwnerWatch&) = delete;
     NameOwnerWatch& operator=(const NameOwnerWatch&) = delete;
@@ -31,6 +32,7 @@ private:
     GObjectPtr<GDBusConnection> m_bus;
     std::string m_name;
     std::function<void()> m_onLost;
+    std::function<void()> m_onGained;
     mutable Ownership m_ownership { Ownership::unknown };
     unsigned m_watch { 0 };
 };

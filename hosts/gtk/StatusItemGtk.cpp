@@ -2,6 +2,7 @@
 
 #include "base/Executor.h"
 #include "gtk/GLibText.h"
+#include "gtk/WindowMenuGtk.h"
 
 #include <string_view>
 #include <utility>
@@ -46,22 +47,27 @@ AppIndicator* newIndicator(const std::filesystem::path& images)
 
 }
 
-StatusItemGtk::StatusItemGtk(GDBusConnection* bus, const std::filesystem::path& images, Executor& mainThread)
+StatusItemGtk::StatusItemGtk(
+    GDBusConnection* bus, const std::filesystem::path& images, Executor& mainThread, WindowMenuGtk& windowMenu)
     : m_mainThread(mainThread)
-    , m_watcher(bus, "org.kde.StatusNotifierWatcher")
+    , m_windowMenu(windowMenu)
+    , m_watcher(
+          bus, "org.kde.StatusNotifierWatcher", [this] { hostChanged(); }, [this] { hostChanged(); })
     , m_handler(std::make_shared<std::function<void(MenuItemId)>>())
     , m_menu([this](MenuItemId id) { reportLater(id); })
     , m_indicator(newIndicator(images))
 {
+    m_windowMenu.setChoiceHandler([this](MenuItemId id) { reportLater(id); });
 }
 
-StatusItemGtk::~StatusItemGtk() = default;
+StatusItemGtk::~StatusItemGtk() { m_windowMenu.setChoiceHandler({}); }
 
 void StatusItemGtk::show(const StatusItemContent& content)
 {
     if (m_shown == content)
         return;
     m_menu.update(content.menu);
+    m_windowMenu.show(content.menu);
     if (!m_shown || m_shown->image != content.image || m_shown->description != content.description) {
         const auto description = validUtf8(content.description);
         app_indicator_set_icon_full(m_indicator.get(), iconName(content.image), description.c_str());
@@ -79,6 +85,12 @@ void StatusItemGtk::setChoiceHandler(std::function<void(MenuItemId)> handler) { 
 StatusItemVisibility StatusItemGtk::visibility() const
 {
     return m_watcher.hasOwner() ? StatusItemVisibility::visible : StatusItemVisibility::noHost;
+}
+
+void StatusItemGtk::hostChanged()
+{
+    m_windowMenu.setVisibility(
+        visibility() == StatusItemVisibility::visible ? WindowMenuVisibility::hidden : WindowMenuVisibility::shown);
 }
 
 void StatusItemGtk::reportLater(MenuItemId id)

@@ -13,13 +13,15 @@
 namespace brevanta {
 
 class Executor;
+class WindowMenuGtk;
 
 // A StatusNotifierItem by libayatana-appindicator, of the id "brevanta". There is no tooltip: the description is the
 // title and the image's accessible description. It can be seen when org.kde.StatusNotifierWatcher has an owner.
 class StatusItemGtk final : public StatusItem {
 public:
-    // `images` holds the status images, named brevanta-...-symbolic.svg.
-    StatusItemGtk(GDBusConnection* bus, const std::filesystem::path& images, Executor& mainThread);
+    // `images` holds the status images, named brevanta-...-symbolic.svg. The window's menu outlives this object.
+    StatusItemGtk(
+        GDBusConnection* bus, const std::filesystem::path& images, Executor& mainThread, WindowMenuGtk& windowMenu);
     ~StatusItemGtk() override;
     StatusItemGtk(const StatusItemGtk&) = delete;
     StatusItemGtk& operator=(const StatusItemGtk&) = delete;
@@ -30,8 +32,10 @@ public:
 
 private:
     void reportLater(MenuItemId id);
+    void hostChanged();
 
     Executor& m_mainThread;
+    WindowMenuGtk& m_windowMenu;
     NameOwnerWatch m_watcher;
     std::shared_ptr<std::function<void(MenuItemId)>> m_handler;
     StatusMenuGtk m_menu;

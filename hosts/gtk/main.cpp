@@ -24,6 +24,7 @@
 #include "gtk/UrlGtk.h"
 #include "gtk/UserDefaultsGtk.h"
 #include "gtk/WebViewGtk.h"
+#include "gtk/WindowMenuGtk.h"
 #include "gtk/WorkspaceGtk.h"
 #include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
@@ -120,9 +121,10 @@ Run runApplication(
     UserDefaultsGtk defaults(preferencesFile(configuration), *log, mainLoop);
     WebViewGtk webView(mainLoop, *log, webEngineOptions(configuration, contents));
     PlaceholderGtk placeholder(resources);
+    WindowMenuGtk windowMenu;
     MainWindowGtk mainWindow(*session.application.operator->(), resources,
-        { .page = webView.widget(), .placeholder = placeholder.widget() }, *log);
-    StatusItemGtk statusItem(session.bus->gobj(), resources, mainLoop);
+        { .page = webView.widget(), .placeholder = placeholder.widget(), .menu = windowMenu }, defaults, *log);
+    StatusItemGtk statusItem(session.bus->gobj(), resources, mainLoop, windowMenu);
     AlertPanelGtk alerts(mainWindow.window(), mainLoop, resources);
     OpenPanelGtk openPanel(mainWindow.window(), mainLoop);
     WorkspaceGtk workspace(mainLoop, configuration.root);

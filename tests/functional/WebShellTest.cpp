@@ -34,18 +34,27 @@ TEST_F(WebShellTest, closingTheWindowKeepsThePageAndItsState)
     ASSERT_TRUE(showsPage());
     ASSERT_TRUE(web().evaluate("window.kept = 'still here'"));
     ASSERT_TRUE(showsWindows(1));
-    bench().display().pressCloseButton(bench().display().windowsTitled(BrevantaClient::windowTitle).front());
-    ASSERT_TRUE(showsWindows(0));
-    click("Open Brevanta");
-    ASSERT_TRUE(showsWindows(1));
-    EXPECT_EQ(web().evaluate("window.kept"), "\"still here\"");
+    const auto window = [this] { return bench().display().windowsTitled(BrevantaClient::windowTitle).front(); };
+    for (const bool byKey : { false, true }) {
+        if (byKey)
+            ASSERT_TRUE(bench().display().press(window(), "ctrl+w"));
+        else
+            bench().display().pressCloseButton(window());
+        ASSERT_TRUE(showsWindows(0));
+        click("Open Brevanta");
+        ASSERT_TRUE(showsWindows(1));
+        EXPECT_EQ(web().evaluate("window.kept"), "\"still here\"");
+    }
 }
 
-TEST_F(WebShellTest, reloadBringsANewDocument)
+TEST_F(WebShellTest, reloadByItsKeyBringsANewDocument)
 {
     ASSERT_TRUE(showsPage());
-    ASSERT_TRUE(web().evaluate("window.kept = 'still here'"));
-    click("Reload");
+    // A text field of the page has the keyboard, and the page would take every key.
+    ASSERT_TRUE(web().evaluate("(document.body.appendChild(document.createElement('input')).focus(), "
+                               "window.onkeydown = (event) => event.preventDefault(), window.kept = 'still here')"));
+    const auto window = bench().display().windowsTitled(BrevantaClient::windowTitle).front();
+    ASSERT_TRUE(bench().display().press(window, "ctrl+r"));
     EXPECT_TRUE(logs("[ShellLoad] user retry → phase=provisional attempt=0 inFlight=2 commands=[cancelRetry, "
                      "reloadFromOrigin(2)]"));
     EXPECT_TRUE(web().awaitTrue("window.kept === undefined"));

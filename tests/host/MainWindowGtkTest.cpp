@@ -1,6 +1,7 @@
 #include "gtk/MainWindowGtk.h"
 
 #include "fakes/FakePorts.h"
+#include "gtk/WindowMenuGtk.h"
 #include "host/DisplayTest.h"
 
 namespace brevanta {
@@ -13,7 +14,7 @@ protected:
     {
         page.show();
         placeholder.show();
-        mainWindow.build({ .title = "Title & <b>", .width = 640, .height = 480 });
+        create();
     }
 
     static Glib::RefPtr<Gtk::Application> registeredApplication()
@@ -23,44 +24,108 @@ protected:
         return application;
     }
 
+    void create(const char* resources = BREVANTA_RESOURCES)
+    {
+        mainWindow.emplace(
+            *application.operator->(), resources, MainWindowGtk::Contents { page, placeholder, menu }, defaults, log);
+        mainWindow->build({ .title = "Title & <b>", .width = 640, .height = 480 });
+    }
+
+    [[nodiscard]] bool pageTakes(int width, int height)
+    {
+        return serveUntil([&] { return page.get_allocated_width() == width && page.get_allocated_height() == height; });
+    }
+
+    // Whether the window takes the key, rather than what has the focus in it.
+    bool press(guint key)
+    {
+        return gtk_accel_groups_activate(G_OBJECT(mainWindow->window().gobj()), key, GDK_CONTROL_MASK);
+    }
+
     FakeSystemLog log;
+    FakeUserDefaults defaults;
     Gtk::Box page;
     Gtk::Box placeholder;
+    WindowMenuGtk menu;
     Glib::RefPtr<Gtk::Application> application { registeredApplication() };
-    MainWindowGtk mainWindow { *application.operator->(), BREVANTA_RESOURCES, { page, placeholder }, log };
+    std::optional<MainWindowGtk> mainWindow;
 };
 
 }
 
 TEST_F(MainWindowGtkTest, IsBuiltHiddenAndShownWithThePlaceholderOverThePage)
 {
-    EXPECT_FALSE(mainWindow.isVisible());
-    mainWindow.showInFront();
-    EXPECT_TRUE(mainWindow.isVisible());
-    EXPECT_EQ(mainWindow.window().get_title(), "Title & <b>");
-    ASSERT_TRUE(serveUntil([&] { return page.get_allocated_width() == 640 && page.get_allocated_height() == 480; }));
+    EXPECT_FALSE(mainWindow->isVisible());
+    mainWindow->showInFront();
+    EXPECT_TRUE(mainWindow->isVisible());
+    EXPECT_EQ(mainWindow->window().get_title(), "Title & <b>");
+    ASSERT_TRUE(pageTakes(640, 480));
     EXPECT_EQ(placeholder.get_allocation(), page.get_allocation());
-    const auto overlays = widgetsIn<Gtk::Overlay>(mainWindow.window());
+    const auto overlays = widgetsIn<Gtk::Overlay>(mainWindow->window());
     ASSERT_EQ(overlays.size(), 1u);
     EXPECT_EQ(overlays[0]->get_child(), &page);
     EXPECT_TRUE(log.lines.empty());
+    create("/nowhere");
+    EXPECT_EQ(log.lines.size(), 1u) << "there is no picture";
 }
 
-TEST_F(MainWindowGtkTest, ItsCloseButtonHidesItWithEverythingInIt)
+TEST_F(MainWindowGtkTest, ItsCloseButtonAndItsKeyHideItWithEverythingInIt)
 {
-    mainWindow.showInFront();
-    mainWindow.window().close();
-    EXPECT_TRUE(serveUntil([&] { return !mainWindow.isVisible(); }));
-    mainWindow.showInFront();
-    EXPECT_TRUE(page.get_mapped() && placeholder.get_mapped());
-    mainWindow.hide();
-    EXPECT_FALSE(mainWindow.isVisible());
+    for (const bool byKey : { false, true }) {
+        mainWindow->showInFront();
+        EXPECT_TRUE(page.get_mapped() && placeholder.get_mapped());
+        if (byKey)
+            EXPECT_TRUE(press(GDK_KEY_w));
+        else
+            mainWindow->window().close();
+        EXPECT_TRUE(serveUntil([&] { return !mainWindow->isVisible(); }));
+    }
 }
 
-TEST_F(MainWindowGtkTest, LogsThatThereIsNoPicture)
+TEST_F(MainWindowGtkTest, TheMenusKeysWorkInItWhileTheirItemsCanBeChosen)
 {
-    const MainWindowGtk plain(*application.operator->(), "/nowhere", { page, placeholder }, log);
-    EXPECT_EQ(log.lines.size(), 1u);
+    std::vector<int> chosen;
+    menu.setChoiceHandler([&](MenuItemId id) { chosen.push_back(static_cast<int>(id)); });
+    mainWindow->showInFront();
+    const auto show = [&](bool canReload) {
+        menu.show({ { { .id = MenuItemId { 1 }, .title = "Reload", .keyEquivalent = "r", .enabled = canReload },
+            { .id = MenuItemId { 2 }, .title = "Quit", .keyEquivalent = "q" }, { .title = "Without a key" } } });
+    };
+    show(true);
+    EXPECT_TRUE(press(GDK_KEY_r) && press(GDK_KEY_q));
+    EXPECT_FALSE(press(GDK_KEY_a)) << "the page's text fields need it";
+    show(false);
+    EXPECT_FALSE(press(GDK_KEY_r));
+    show(true);
+    EXPECT_TRUE(press(GDK_KEY_r));
+    EXPECT_EQ(chosen, (std::vector { 1, 2, 1 }));
+    EXPECT_FALSE(menu.bar().get_mapped()) << "nobody has asked for it";
+    menu.setVisibility(WindowMenuVisibility::shown);
+    EXPECT_TRUE(menu.bar().get_mapped());
+}
+
+TEST_F(MainWindowGtkTest, ComesBackAsLargeAndWhereItWasAndIsNeverTooSmall)
+{
+    mainWindow->showInFront();
+    ASSERT_TRUE(pageTakes(640, 480));
+    mainWindow->window().resize(700, 500);
+    mainWindow->window().move(40, 50);
+    ASSERT_TRUE(pageTakes(700, 500));
+    ASSERT_TRUE(serveUntil([&] {
+        int x = 0;
+        int y = 0;
+        mainWindow->window().get_position(x, y);
+        return x == 40 && y == 50;
+    }));
+    create(); // The next start.
+    mainWindow->showInFront();
+    ASSERT_TRUE(pageTakes(700, 500));
+    int x = 0;
+    int y = 0;
+    mainWindow->window().get_position(x, y);
+    EXPECT_EQ(std::pair(x, y), std::pair(40, 50));
+    mainWindow->window().resize(1, 1);
+    EXPECT_TRUE(pageTakes(leastContentSize.width, leastContentSize.height));
 }
 
 }

@@ -133,13 +133,24 @@ std::vector<std::uint8_t> VirtualDisplay::picture() const
 
 std::expected<void, std::string> VirtualDisplay::typeInto(const MappedWindow& window, const std::string& text) const
 {
+    return useKeyboard(window, { "type", "--args", "1", text, "key", "Return" });
+}
+
+std::expected<void, std::string> VirtualDisplay::press(const MappedWindow& window, const std::string& key) const
+{
+    return useKeyboard(window, { "key", key });
+}
+
+std::expected<void, std::string> VirtualDisplay::useKeyboard(
+    const MappedWindow& window, const std::vector<std::string>& actions) const
+{
     constexpr Milliseconds patience { 10000 };
     auto environment = neutralEnvironment();
     environment.push_back("DISPLAY=" + m_name);
+    std::vector<std::string> arguments { "xdotool", "windowfocus", "--sync", std::to_string(window.id) };
+    arguments.insert(arguments.end(), actions.begin(), actions.end());
     const auto typist
-        = ChildProcess::start({ .arguments = { "xdotool", "windowfocus", "--sync", std::to_string(window.id), "type",
-                                    "--args", "1", text, "key", "Return" },
-            .environment = std::move(environment) });
+        = ChildProcess::start({ .arguments = std::move(arguments), .environment = std::move(environment) });
     if (!typist)
         return std::unexpected(typist.error());
     if ((*typist)->awaitExit(patience) != 0)

@@ -36,6 +36,8 @@ public:
 
     // Gives the window the keyboard, types the text (letters and digits) and presses Return.
     [[nodiscard]] std::expected<void, std::string> typeInto(const MappedWindow& window, const std::string& text) const;
+    // The same with one key, as xdotool(1) names it: "ctrl+w".
+    [[nodiscard]] std::expected<void, std::string> press(const MappedWindow& window, const std::string& key) const;
 
     // Until the picture of the whole screen has not changed for a moment: nothing tells when programs have drawn.
     [[nodiscard]] bool awaitStillness(Milliseconds within) const;
@@ -48,6 +50,8 @@ private:
     VirtualDisplay() = default;
     [[nodiscard]] xcb_window_t rootWindow() const;
     [[nodiscard]] std::vector<std::uint8_t> picture() const;
+    [[nodiscard]] std::expected<void, std::string> useKeyboard(
+        const MappedWindow& window, const std::vector<std::string>& actions) const;
     [[nodiscard]] xcb_atom_t atom(const std::string& name) const;
 
     std::string m_name;
