@@ -102,13 +102,17 @@ bool isNoFile(const GError& error)
 
 }
 
-UserDefaultsGtk::UserDefaultsGtk(std::filesystem::path file, SystemLog& log, MainLoop& mainLoop)
+UserDefaultsGtk::UserDefaultsGtk(std::filesystem::path file, SystemLog& log, MainLoop& mainLoop, FileUse use)
     : m_file(std::move(file))
     , m_log(log)
     , m_mainLoop(mainLoop)
     , m_stored(Json::object())
+    , m_fileUse(use)
 {
-    refresh();
+    if (use == FileUse::keptAsItIs)
+        m_stored = readFile().value_or(Json::object());
+    else
+        refresh();
 }
 
 UserDefaultsGtk::~UserDefaultsGtk() { writeAgain(); }

@@ -26,8 +26,11 @@ class Timer;
 // A date is the object {"date": "2026-11-21T12:00:00.000Z"}, with milliseconds and in UTC.
 class UserDefaultsGtk final : public UserDefaults {
 public:
-    // Both outlive this object.
-    UserDefaultsGtk(std::filesystem::path file, SystemLog& log, MainLoop& mainLoop);
+    // `keptAsItIs` never touches the file, whatever is in it: what is set lasts for this process only.
+    enum class FileUse { replaced, keptAsItIs };
+
+    // Log and main loop outlive this object.
+    UserDefaultsGtk(std::filesystem::path file, SystemLog& log, MainLoop& mainLoop, FileUse use = FileUse::replaced);
     ~UserDefaultsGtk() override;
     UserDefaultsGtk(const UserDefaultsGtk&) = delete;
     UserDefaultsGtk& operator=(const UserDefaultsGtk&) = delete;
@@ -61,7 +64,7 @@ private:
     std::map<std::string, std::optional<nlohmann::json>> m_unsaved; // Nothing stands for a removed key.
     std::string m_lastFailure; // What the log was told last; empty once a write has gone well.
     std::unique_ptr<Timer> m_nextAttempt; // While something is unsaved.
-    enum class FileUse { replaced, keptAsItIs } m_fileUse { FileUse::replaced };
+    FileUse m_fileUse;
 };
 
 }
