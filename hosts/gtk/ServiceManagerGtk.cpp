@@ -27,7 +27,10 @@ void ServiceManagerGtk::readBackgroundItem(std::function<void(BackgroundItem)> o
 {
     m_mainThread.post(m_life.guard([this, onEnd = std::move(onEnd)] {
         const auto standIn = m_store.service();
-        onEnd(standIn ? standIn->backgroundItem : BackgroundItem::unknown);
+        auto item = standIn ? standIn->backgroundItem : BackgroundItem::unknown;
+        if (item == BackgroundItem::unknown && standIn && standIn->isLoaded)
+            item = BackgroundItem::allowed; // launchd loads nothing that the user has switched off.
+        onEnd(item);
     }));
 }
 

@@ -47,7 +47,7 @@ TEST_F(ServiceManagerGtkTest, TellsWhatLaunchdAndTheProgramFileSay)
         { std::nullopt, false, LaunchCheck::notInstalled, BackgroundItem::unknown },
         { std::nullopt, true, LaunchCheck::notRunning, BackgroundItem::unknown },
         { R"({"loaded": true, "backgroundItem": "allowed"})", true, LaunchCheck::loaded, BackgroundItem::allowed },
-        { R"({"loaded": true})", false, LaunchCheck::loaded, BackgroundItem::unknown },
+        { R"({"loaded": true})", false, LaunchCheck::loaded, BackgroundItem::allowed },
         { R"({"loaded": false, "backgroundItem": "requiresApproval"})", true, LaunchCheck::notRunning,
             BackgroundItem::requiresApproval },
         { R"({"loaded": true, "backgroundItem": 1})", true, std::nullopt, BackgroundItem::unknown },
