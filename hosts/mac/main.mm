@@ -18,6 +18,7 @@
 #include "mac/PlaceholderMac.h"
 #include "mac/ServiceManagerMac.h"
 #include "mac/StatusItemMac.h"
+#include "mac/SystemFactsMac.h"
 #include "mac/SystemLogMac.h"
 #include "mac/TextMac.h"
 #include "mac/UpdaterMac.h"
@@ -72,14 +73,6 @@ std::string deviceName()
 {
     NSString* const name = [NSHost currentHost].localizedName;
     return utf8FromString(name ? name : NSProcessInfo.processInfo.hostName);
-}
-
-SystemVersion systemVersion()
-{
-    const NSOperatingSystemVersion version = NSProcessInfo.processInfo.operatingSystemVersion;
-    return { .major = static_cast<int>(version.majorVersion),
-        .minor = static_cast<int>(version.minorVersion),
-        .patch = static_cast<int>(version.patchVersion) };
 }
 
 // In the order of the system's settings.

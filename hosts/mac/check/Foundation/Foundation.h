@@ -255,6 +255,21 @@ typedef unsigned int AEKeyword;
              andEventID:(AEEventID)eventID;
 @end
 
+// Documentation: NSPropertyListSerialization; macOS 10.2.
+typedef NS_OPTIONS(NSUInteger, NSPropertyListMutabilityOptions) {
+    NSPropertyListImmutable = 0,
+};
+typedef NSPropertyListMutabilityOptions NSPropertyListReadOptions;
+typedef NS_ENUM(NSUInteger, NSPropertyListFormat) {
+    NSPropertyListXMLFormat_v1_0 = 100,
+};
+@interface NSPropertyListSerialization : NSObject
++ (nullable id)propertyListWithData:(NSData*)data // macOS 10.6
+                            options:(NSPropertyListReadOptions)options
+                             format:(nullable NSPropertyListFormat*)format
+                              error:(NSError* _Nullable* _Nullable)error;
+@end
+
 // Documentation: NSDate; macOS 10.0.
 @interface NSDate : NSObject
 + (instancetype)date;
