@@ -7,21 +7,48 @@
 #include "gtk/ClockGtk.h"
 #include "gtk/ConfinedBrowsers.h"
 #include "gtk/FilterSystemGtk.h"
+#include "gtk/GObjectPtr.h"
 #include "gtk/LoginItemGtk.h"
 #include "gtk/MainLoopGtk.h"
+#include "gtk/RunningClient.h"
 #include "gtk/ServiceManagerGtk.h"
 #include "gtk/UrlGtk.h"
 #include "gtk/UserDefaultsGtk.h"
 #include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
+#include "posix/PathFactsPosix.h"
 #include "posix/StandardErrorLog.h"
 #include "posix/ThreadSignals.h"
 
 #include <cstdlib>
 #include <glibmm/main.h>
 #include <iostream>
+#include <nlohmann/json.hpp>
 
 namespace brevanta {
+
+namespace {
+
+std::string versionText(const SystemVersion& version)
+{
+    return std::to_string(version.major) + '.' + std::to_string(version.minor) + '.' + std::to_string(version.patch);
+}
+
+std::string systemName(const SystemVersion& version)
+{
+    const GLibPtr<char> name(g_get_os_info(G_OS_INFO_KEY_PRETTY_NAME));
+    return std::string(name ? name.get() : "Linux") + ", in place of macOS " + versionText(version);
+}
+
+std::string howToReadTheLog(Flavour flavour)
+{
+    return flavour == Flavour::dev ? "standard error of the client, which scripts/run keeps in build/run/client.log"
+                                   : "the system's; journalctl -t Brevanta";
+}
+
+bool isJsonObject(std::string_view bytes) { return nlohmann::json::parse(bytes, nullptr, false).is_object(); }
+
+}
 
 int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format)
 {
@@ -31,7 +58,8 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
     StandardErrorLog log;
     ClockGtk clock;
     MainLoopGtk mainLoop;
-    UserDefaultsGtk defaults(preferencesFile(configuration), log, mainLoop);
+    UserDefaultsGtk defaults(preferencesFile(configuration), log, mainLoop, UserDefaultsGtk::FileUse::keptAsItIs);
+    const auto system = systemVersion(configuration);
     LocalSocketPosix localSockets;
     ServiceManagerGtk services(mainLoop, configuration.root);
     FilterSystemGtk filterSystem(mainLoop, configuration.root, contents);
@@ -64,6 +92,18 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
                          .bundle = contents.parent_path(),
                          .updaterFeed = textInBundle("SUFeedURL"),
                          .updaterKey = textInBundle("SUPublicEDKey"),
+                         .pathFacts = pathFacts,
+                         .folderFacts = folderFacts,
+                         .preferencesFile = preferencesFile(configuration),
+                         .isPreferences = isJsonObject,
+                         .findClient = [&mainLoop, name = configuration.bundleIdentifier](
+                                           auto onEnd) { findRunningClient(name, mainLoop, std::move(onEnd)); },
+                         .systemName = systemName(system),
+                         .systemVersion = versionText(system),
+                         .minimumSystem = textInBundle("LSMinimumSystemVersion").value_or(""),
+                         // Any password does, but where the root is the machine's own there is nobody to give one.
+                         .isAdministrator = configuration.root != "/",
+                         .log = howToReadTheLog(configuration.flavour),
                          .confinedBrowsers = [] { return confinedBrowsers(g_get_home_dir()); } },
         configuration, [&](const DiagnosisFacts& facts, const std::vector<std::string>& secrets) {
             const auto diagnosis = diagnose(facts);

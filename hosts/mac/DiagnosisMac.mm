@@ -10,17 +10,36 @@
 #include "mac/MainLoopMac.h"
 #include "mac/NotificationCenterMac.h"
 #include "mac/ServiceManagerMac.h"
+#include "mac/SystemFactsMac.h"
 #include "mac/TextMac.h"
 #include "mac/UrlMac.h"
 #include "mac/UserDefaultsMac.h"
 #include "posix/FileStorePosix.h"
 #include "posix/LocalSocketPosix.h"
+#include "posix/PathFactsPosix.h"
 #include "posix/ThreadSignals.h"
+#include "posix/UserGroups.h"
 
 #include <cstdlib>
 #include <iostream>
 
 namespace brevanta {
+
+namespace {
+
+std::string versionText()
+{
+    const auto version = systemVersion();
+    return std::to_string(version.major) + '.' + std::to_string(version.minor) + '.' + std::to_string(version.patch);
+}
+
+// log(1); without an end of its own the system's log would be read for minutes.
+std::string howToReadTheLog(const BuildConfiguration& configuration)
+{
+    return "the system's; log show --last 1h --predicate 'subsystem == \"" + configuration.bundleIdentifier + "\"'";
+}
+
+}
 
 int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format)
 {
@@ -57,6 +76,20 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
             .bundle = utf8FromString(NSBundle.mainBundle.bundlePath),
             .updaterFeed = textInMainBundle(@"SUFeedURL"),
             .updaterKey = textInMainBundle(@"SUPublicEDKey"),
+            .pathFacts = pathFacts,
+            .folderFacts = folderFacts,
+            .preferencesFile = std::filesystem::path(utf8FromString(NSHomeDirectory())) / "Library/Preferences"
+                / (configuration.bundleIdentifier + ".plist"),
+            .isPreferences = isDomainOfDefaults,
+            .findClient =
+                [&mainLoop, identifier = configuration.bundleIdentifier](auto onEnd) {
+                    mainLoop.post([onEnd = std::move(onEnd), identifier] { onEnd(isRunningElsewhere(identifier)); });
+                },
+            .systemName = "macOS " + versionText(),
+            .systemVersion = versionText(),
+            .minimumSystem = textInMainBundle(@"LSMinimumSystemVersion").value_or(""),
+            .isAdministrator = isInGroup("admin"),
+            .log = howToReadTheLog(configuration),
         },
         configuration, [&exitStatus, format](const DiagnosisFacts& facts, const std::vector<std::string>& secrets) {
             const auto diagnosis = diagnose(facts);

@@ -4,6 +4,7 @@
 #include "base/LifeToken.h"
 #include "diagnosis/DiagnosisFacts.h"
 #include "platform/FilterSystem.h"
+#include "platform/PathFacts.h"
 #include "platform/ServiceManager.h"
 #include "platform/Url.h"
 
@@ -46,6 +47,17 @@ struct DiagnosisPorts {
     std::filesystem::path bundle;
     std::optional<std::string> updaterFeed; // As in AppPorts.
     std::optional<std::string> updaterKey;
+    std::function<PathFacts(const std::filesystem::path&)> pathFacts; // What is at an absolute path. Changes nothing.
+    std::function<FolderFacts(const std::filesystem::path&)> folderFacts; // Of a folder, or of one that is to be.
+    std::filesystem::path preferencesFile; // The file behind `defaults`,
+    std::function<bool(std::string_view bytes)> isPreferences; // and whether these are the bytes of a whole one.
+    // Whether another process of this user is the client; nothing when that cannot be found out. Answers as a port.
+    std::function<void(std::function<void(std::optional<bool>)>)> findClient;
+    std::string systemName; // For people: "macOS 15.0.0".
+    std::string systemVersion; // "15.0.0"
+    std::string minimumSystem; // The oldest that the application runs on: "13.3"; empty when it does not say.
+    std::optional<bool> isAdministrator; // Whether the user can give an administrator's password.
+    std::string log; // Where the client's log is, and how to read it.
     std::function<std::vector<std::string>()> confinedBrowsers {};
 };
 
@@ -55,6 +67,10 @@ public:
     // What has not answered after so many seconds counts as silent. Each question alone is given up earlier; only a
     // service that trickles takes longer.
     static constexpr double timeLimit = 12;
+
+    // What the client should have written by now is looked at again after so many seconds: it asks every two, and may
+    // have been about to write.
+    static constexpr double secondLookAfter = 3;
 
     // `onEnd` is called once, from the main loop, with the facts and with the texts that may stand in no report.
     using End = std::function<void(const DiagnosisFacts& facts, const std::vector<std::string>& secrets)>;
@@ -67,13 +83,17 @@ public:
     void start();
 
 private:
-    enum class Question { status, backgroundItem, preferences, properties, loginItem, notifications };
+    enum class Question { status, backgroundItem, preferences, properties, loginItem, notifications, client };
 
     void askService();
     void askFilter();
     void answered(Question question);
     void readFiles();
-    [[nodiscard]] std::optional<DiagnosisFacts::SharedState> sharedState() const;
+    void lookAtFolders();
+    void lookAtSharedState();
+    [[nodiscard]] bool mayBeWrittenYet() const;
+    [[nodiscard]] DiagnosisFacts::Contact contactAfter(const DaemonFailure& failure) const;
+    [[nodiscard]] DiagnosisFacts::Removal removal() const;
     void statusArrived(const std::expected<std::shared_ptr<const BlockingStatus>, DaemonFailure>& status);
     void end();
 
@@ -82,12 +102,14 @@ private:
     End m_onEnd;
     std::unique_ptr<DaemonClient> m_daemonClient;
     std::unique_ptr<Timer> m_limit;
+    std::unique_ptr<Timer> m_secondLook;
     std::set<Question> m_open;
     double m_startedAt { 0 };
     DiagnosisFacts m_facts;
     DaemonHealth m_service;
     FilterHealth m_filter;
     std::optional<FilterPreferences> m_preferences;
+    std::shared_ptr<const BlockingStatus> m_status; // Null until the service has answered.
     std::vector<std::string> m_secrets;
     bool m_isOver { false };
     LifeToken m_life;

@@ -54,6 +54,13 @@ std::string shown(const std::string& text, const DiagnosisPrivacy& privacy)
     return singleLine(scrubReport(withoutHome(text, privacy.home.string()), privacy.secrets));
 }
 
+std::string conclusion(const Diagnosis& diagnosis)
+{
+    if (const auto remedy = diagnosis.remedy())
+        return "To do: " + *remedy;
+    return diagnosis.allIsWell() ? "All is well." : "Nothing needs you. What begins with -- is worth knowing.";
+}
+
 Json textOrNull(const std::optional<std::string>& text) { return text && !text->empty() ? Json(*text) : Json(nullptr); }
 
 }
@@ -71,17 +78,16 @@ std::string diagnosisText(const Diagnosis& diagnosis, const DiagnosisPrivacy& pr
         if (!finding.remedy.empty())
             text += "      " + std::string(width + 2, ' ') + "→ " + shown(finding.remedy, privacy) + '\n';
     }
-    const auto remedy = diagnosis.remedy();
-    return text + '\n' + (remedy ? "To do: " + shown(*remedy, privacy) : "All is well.") + '\n';
+    return text + '\n' + shown(conclusion(diagnosis), privacy) + '\n';
 }
 
 std::string diagnosisJson(const Diagnosis& diagnosis, const DiagnosisPrivacy& privacy)
 {
     auto findings = Json::array();
     for (const auto& finding : diagnosis.findings)
-        findings.push_back(
-            { { "key", finding.key }, { "title", finding.title }, { "text", shown(finding.text, privacy) },
-                { "verdict", name(finding.verdict) }, { "remedy", textOrNull(shown(finding.remedy, privacy)) } });
+        findings.push_back({ { "key", finding.key }, { "title", finding.title }, { "state", textOrNull(finding.state) },
+            { "text", shown(finding.text, privacy) }, { "verdict", name(finding.verdict) },
+            { "remedy", textOrNull(shown(finding.remedy, privacy)) } });
     auto remedy = diagnosis.remedy();
     if (remedy)
         remedy = shown(*remedy, privacy);

@@ -19,9 +19,10 @@ struct DiagnosisPrivacy {
 // in a line feed, and holds no other control character.
 [[nodiscard]] std::string diagnosisText(const Diagnosis& diagnosis, const DiagnosisPrivacy& privacy);
 
-// For programs: one JSON object and a line feed. "schema" is 1, "ok" whether all is well, "remedy" the one thing to do
-// now or null, "findings" a list of objects with "key", "title", "text", "verdict" ("good", "notice" or "needsUser")
-// and "remedy" (null where there is none). Bytes that are not UTF-8 are replaced.
+// For programs: one JSON object and a line feed. "schema" is 1, "ok" whether nothing needs the user, "remedy" the one
+// thing to do now or null, "findings" a list of objects with "key", "title", "state" (null where there is none),
+// "text", "verdict"
+// ("good", "notice" or "needsUser") and "remedy" (null where there is none). Bytes that are not UTF-8 are replaced.
 [[nodiscard]] std::string diagnosisJson(const Diagnosis& diagnosis, const DiagnosisPrivacy& privacy);
 
 [[nodiscard]] std::string diagnosisOutput(

@@ -16,8 +16,6 @@ struct Sound {
     std::string contents;
 };
 
-std::filesystem::path soundFolder(const std::filesystem::path& home) { return home / "Library" / "Sounds"; }
-
 std::vector<Sound> bundledSounds(const FileStore& files, SystemLog& log, const std::filesystem::path& resources)
 {
     std::vector<Sound> sounds;
@@ -55,6 +53,8 @@ std::vector<std::string> write(
 
 }
 
+std::filesystem::path notificationSoundFolder(const std::filesystem::path& home) { return home / "Library" / "Sounds"; }
+
 std::vector<SoundState> inspectNotificationSounds(
     const FileStore& files, const std::filesystem::path& resources, const std::filesystem::path& home)
 {
@@ -63,7 +63,7 @@ std::vector<SoundState> inspectNotificationSounds(
         auto name = soundFileName(gesture);
         const auto bundled = files.read(resources / name);
         const auto placement
-            = bundled ? placementOf(files, soundFolder(home) / name, *bundled) : FilePlacement::missing;
+            = bundled ? placementOf(files, notificationSoundFolder(home) / name, *bundled) : FilePlacement::missing;
         states.push_back({ .name = std::move(name), .isBundled = bundled.has_value(), .placement = placement });
     }
     return states;
@@ -72,7 +72,7 @@ std::vector<SoundState> inspectNotificationSounds(
 void installNotificationSounds(
     FileStore& files, SystemLog& log, const std::filesystem::path& resources, const std::filesystem::path& home)
 {
-    const auto folder = soundFolder(home);
+    const auto folder = notificationSoundFolder(home);
     auto sounds = bundledSounds(files, log, resources);
     const auto kept = std::erase_if(sounds, [&](const Sound& sound) {
         return placementOf(files, folder / sound.name, sound.contents) == FilePlacement::inPlace;

@@ -16,6 +16,9 @@ class SystemLog;
 void installNotificationSounds(
     FileStore& files, SystemLog& log, const std::filesystem::path& resources, const std::filesystem::path& home);
 
+// Where they are put.
+[[nodiscard]] std::filesystem::path notificationSoundFolder(const std::filesystem::path& home);
+
 struct SoundState {
     std::string name; // Of the file.
     bool isBundled { false }; // The application has it.

@@ -1,12 +1,7 @@
 #include "diagnosis/DiagnosisRun.h"
 
-#include "diagnosis/Diagnosis.h"
-#include "fakes/FakeFileStore.h"
-#include "fakes/FakeLocalSockets.h"
-#include "fakes/FakeLoginItem.h"
-#include "fakes/ManualExecutor.h"
-#include "support/ComponentBench.h"
-#include "support/StatusReply.h"
+#include "install/InstallScript.h"
+#include "support/DiagnosisBench.h"
 
 #include <gtest/gtest.h>
 
@@ -14,81 +9,18 @@ namespace brevanta {
 
 namespace {
 
-constexpr auto socketPath = "/var/run/service.sock";
-
-// A machine on which all is well, until a test changes something.
-class DiagnosisRunTest : public testing::Test {
+class DiagnosisRunTest : public testing::Test, protected DiagnosisBench {
 protected:
-    DiagnosisRunTest()
-    {
-        services.backgroundItems.result = BackgroundItem::allowed;
-        services.programIsInstalled = true;
-        filterSystem.properties.result = std::vector { activeExtension };
-        filterSystem.preferences.result = filterSwitchedOn;
-        loginItem.statuses.result = LoginItemStatus::enabled;
-        files.replaceFromOutside(socketPath, "");
-        reply({ { "daemon_version", "1.2.3" }, { "has_device_token", true } });
-    }
-
-    void reply(const Json& additions) { sockets.pieces = { statusReply(additions).dump() + "\n" }; }
-
-    void begin()
-    {
-        run.emplace(DiagnosisPorts { .mainLoop = mainLoop,
-                        .daemonQueue = queue,
-                        .localSockets = sockets,
-                        .clock = clock,
-                        .defaults = defaults,
-                        .services = services,
-                        .filterSystem = filterSystem,
-                        .files = files,
-                        .loginItem = loginItem,
-                        .sharedContainer = [] { return std::filesystem::path("/shared"); },
-                        .getNotificationAuthorization
-                        = [this](auto onEnd) { notifications.getAuthorization(std::move(onEnd)); },
-                        .parseUrl = [](const std::string&) { return std::optional<Url>(); },
-                        .location = [] { return AppLocationPolicy::Context {}; },
-                        .resources = "/Resources",
-                        .home = "/Users/ada",
-                        .bundle = "/Applications/Brevanta.app",
-                        .updaterFeed = {},
-                        .updaterKey = {} },
-            BuildConfiguration { .version = "1.2.3", .bundleIdentifier = {}, .root = "/", .socketPath = socketPath },
-            [this](const DiagnosisFacts& found, const std::vector<std::string>& theSecrets) {
-                ++ends;
-                facts = found;
-                secrets = theSecrets;
-            });
-        run->start();
-    }
-    void finish()
-    {
-        begin();
-        queue.runAll();
-        mainLoop.runPosted();
-    }
     DaemonHealth::State serviceAfter(const std::function<void()>& change)
     {
         change();
         finish();
         return facts.service;
     }
-
-    FakeClock clock;
-    FakeMainLoop mainLoop { clock };
-    ManualExecutor queue;
-    FakeLocalSockets sockets;
-    FakeUserDefaults defaults;
-    FakeServiceManager services { mainLoop };
-    FakeFilterSystem filterSystem { mainLoop };
-    FakeFileStore files;
-    FakeLoginItem loginItem { mainLoop };
-    FakeNotificationCenter notifications { mainLoop };
-    int ends { 0 };
-    DiagnosisFacts facts;
-    std::vector<std::string> secrets;
-    std::optional<DiagnosisRun> run;
 };
+
+using StateCondition = DiagnosisFacts::SharedState::Condition;
+using PreferencesCondition = DiagnosisFacts::Preferences::Condition;
 
 }
 
@@ -97,6 +29,7 @@ TEST_F(DiagnosisRunTest, EverythingIsAskedOnceAndNothingIsChanged)
     defaults.set("pf.lastConclusive.contentFilter", std::string("off"));
     reply({ { "daemon_version", "1.2.3" }, { "auth_token", "a-token-of-the-service" } });
     notifications.authorization = NotificationAuthorization::denied;
+    clients.result = true;
     finish();
     EXPECT_EQ(ends, 1);
     EXPECT_EQ(facts.notifications, NotificationAuthorization::denied);
@@ -110,22 +43,116 @@ TEST_F(DiagnosisRunTest, EverythingIsAskedOnceAndNothingIsChanged)
 
     EXPECT_TRUE(std::holds_alternative<DaemonHealth::Running>(facts.service));
     EXPECT_EQ(facts.filter, FilterStatus::on);
-    EXPECT_EQ(facts.filterVersion, "1.2.3");
+    EXPECT_EQ(facts.activeFilter, activeExtension);
+    EXPECT_EQ(facts.clientRuns, true);
+    EXPECT_EQ(facts.sharedState->condition, StateCondition::there);
+    EXPECT_EQ(facts.preferences.condition, PreferencesCondition::there);
     EXPECT_EQ(facts.lastFilter, ConclusiveState::off) << "what was last seen is not what is seen now";
     EXPECT_EQ(facts.lastService, std::nullopt);
     EXPECT_EQ(secrets, std::vector<std::string> { "a-token-of-the-service" });
     mainLoop.advance(60);
     EXPECT_EQ(ends, 1);
     EXPECT_EQ(sockets.interrupts, 0);
+}
 
-    using Condition = DiagnosisFacts::SharedState::Condition;
-    EXPECT_EQ(facts.sharedState->condition, Condition::missing) << "the client makes the folder, too";
-    files.replaceFromOutside(facts.sharedState->file, "{}");
+TEST_F(DiagnosisRunTest, TheFilesOfTheClientAreLookedAtWithoutTrust)
+{
+    const std::pair<PathFacts, PreferencesCondition> preferences[] {
+        { {}, PreferencesCondition::none },
+        { { .kind = PathKind::file, .mayRead = false }, PreferencesCondition::unreadable },
+        { { .kind = PathKind::unknown }, PreferencesCondition::unreadable },
+        { { .kind = PathKind::folder, .mayRead = true }, PreferencesCondition::damaged },
+    };
+    for (const auto& [found, condition] : preferences) {
+        paths["/preferences"] = found;
+        finish();
+        EXPECT_EQ(facts.preferences.condition, condition);
+    }
+    paths.clear();
+    files.replaceFromOutside("/preferences", "torn");
+    clients.result = false;
+    const std::pair<std::function<void()>, StateCondition> states[] {
+        { [this] { paths[stateFile] = { .kind = PathKind::folder, .mayRead = true }; }, StateCondition::noFile },
+        { [this] { paths[stateFile] = { .kind = PathKind::file, .mayRead = false }; }, StateCondition::unreadable },
+        { [this] { files.replaceFromOutside(stateFile, "{\"shouldBlock\":false}"); }, StateCondition::outOfDate },
+        { [this] { files.replaceFromOutside(stateFile, "{"); }, StateCondition::outOfDate },
+        { [this] { files.removeFromOutside(stateFile); }, StateCondition::missing },
+    };
+    for (const auto& [change, condition] : states) {
+        paths.clear();
+        reply(Json::object());
+        change();
+        finish();
+        EXPECT_EQ(facts.sharedState->condition, condition) << static_cast<int>(condition);
+        EXPECT_EQ(facts.preferences.condition, PreferencesCondition::damaged);
+    }
+}
+
+TEST_F(DiagnosisRunTest, AClientThatMayBeAboutToWriteItsFileIsGivenTheTimeForIt)
+{
+    // The lease is another one in each answer.
+    reply({ { "lease_until_uptime_ns", 7 } });
+    const auto written = *files.contents(stateFile);
+    reply({ { "lease_until_uptime_ns", 8 } });
+    files.replaceFromOutside(stateFile, written);
     finish();
-    EXPECT_EQ(facts.sharedState->condition, Condition::there);
-    files.folderFailure = FileStoreError { "Permission denied" };
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(facts.sharedState->condition, StateCondition::there);
+
+    reply({ { "api_base_url", "https://a.example" } });
+    const auto newer = *files.contents(stateFile);
+    for (const bool clientWrites : { true, false }) {
+        reply({ { "api_base_url", "https://a.example" } });
+        files.removeFromOutside(stateFile);
+        finish();
+        EXPECT_EQ(ends, 1) << "too early";
+        if (clientWrites)
+            files.replaceFromOutside(stateFile, newer);
+        mainLoop.advance(DiagnosisRun::secondLookAfter);
+        EXPECT_EQ(ends, 2);
+        EXPECT_EQ(facts.sharedState->condition, clientWrites ? StateCondition::there : StateCondition::missing);
+        ends = 1;
+    }
+}
+
+TEST_F(DiagnosisRunTest, ARemovalIsToldByTheServiceOrByWhatItLeaves)
+{
+    using Stage = DiagnosisFacts::Removal::Stage;
+    const InstallPaths installed { .bundledProgram = {}, .bundledPropertyList = {} };
+    const auto record = [](const char* state, double finishingBy) {
+        return Json { { "removal",
+            { { "state", state }, { "launch", "a" }, { "launch_order", 1 }, { "seq", 1 },
+                { "finishing_by", finishingBy } } } };
+    };
+    struct Case {
+        Json answer;
+        bool hasMarker; // Made in 1970.
+        double now;
+        Stage stage;
+    };
+    const Case cases[] {
+        { Json::object(), false, 1000, Stage::none },
+        { record("pending", 0), false, 1000, Stage::pending },
+        { record("committed", 0), false, 1000, Stage::finishing },
+        { record("finishing", 990), false, 1000, Stage::finishing },
+        { record("finishing", 960), false, 1000, Stage::overdue },
+        { Json::object(), true, 60, Stage::atWork },
+        { Json::object(), true, 600, Stage::cutShort },
+        { record("finishing", 990), true, 1000, Stage::finishing },
+    };
+    for (const auto& [answer, hasMarker, now, stage] : cases) {
+        files.removeFromOutside(installed.removalMarker());
+        if (hasMarker)
+            files.replaceFromOutside(installed.removalMarker(), "");
+        reply(answer);
+        clock.setWallSeconds(now);
+        finish();
+        EXPECT_EQ(facts.removal.stage, stage) << answer.dump() << hasMarker << now;
+        EXPECT_FALSE(facts.removal.canGoOn) << "nothing would start the service";
+    }
+    files.replaceFromOutside(installed.propertyList(), "");
     finish();
-    EXPECT_EQ(facts.sharedState->condition, Condition::notWritable);
+    EXPECT_TRUE(facts.removal.canGoOn);
 }
 
 TEST_F(DiagnosisRunTest, TheServicesStateSaysWhyItDoesNotAnswer)
@@ -133,14 +160,10 @@ TEST_F(DiagnosisRunTest, TheServicesStateSaysWhyItDoesNotAnswer)
     using Health = DaemonHealth;
     sockets.peer = FakeLocalSockets::Peer::absent;
     EXPECT_TRUE(std::holds_alternative<Health::NotRunning>(serviceAfter([] { })));
-    EXPECT_EQ(facts.contact, DiagnosisFacts::Contact(DaemonFailure(DaemonError {})));
     EXPECT_TRUE(std::holds_alternative<Health::TurnedOffInSettings>(
         serviceAfter([this] { services.backgroundItems.result = BackgroundItem::requiresApproval; })));
-    EXPECT_TRUE(std::holds_alternative<Health::NotInstalled>(serviceAfter([this] {
-        services.programIsInstalled = false;
-        files.removeFromOutside(socketPath);
-    })));
-    EXPECT_EQ(facts.contact, DiagnosisFacts::Contact(DiagnosisFacts::NoSocket {}));
+    EXPECT_TRUE(
+        std::holds_alternative<Health::NotInstalled>(serviceAfter([this] { services.programIsInstalled = false; })));
     EXPECT_TRUE(std::holds_alternative<Health::Unreachable>(serviceAfter([this] {
         sockets.peer = FakeLocalSockets::Peer::listens;
         sockets.pieces = { "nonsense\n" };
@@ -164,6 +187,7 @@ TEST_F(DiagnosisRunTest, WhoeverStaysSilentHoldsItForTwelveSeconds)
     filterSystem.preferences.isHeld = true;
     services.backgroundItems.isHeld = true;
     loginItem.statuses.isHeld = true;
+    clients.isHeld = true;
     begin(); // The queue does not come back either.
     mainLoop.advance(11.9);
     EXPECT_EQ(ends, 0);
@@ -175,10 +199,12 @@ TEST_F(DiagnosisRunTest, WhoeverStaysSilentHoldsItForTwelveSeconds)
     EXPECT_EQ(facts.filter, FilterStatus::checking);
     EXPECT_EQ(facts.backgroundItem, BackgroundItem::unknown);
     EXPECT_EQ(facts.loginItem, std::nullopt);
+    EXPECT_EQ(facts.clientRuns, std::nullopt);
     EXPECT_TRUE(diagnose(facts).needsUser());
 
     queue.runAll();
     filterSystem.properties.answerAll();
+    clients.answerAll();
     mainLoop.runPosted();
     EXPECT_EQ(ends, 1);
 }

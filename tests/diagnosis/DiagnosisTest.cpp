@@ -10,6 +10,11 @@ namespace brevanta {
 
 namespace {
 
+ExtensionRecord filterOf(const std::string& version)
+{
+    return { .isEnabled = true, .shortVersion = version, .buildVersion = version };
+}
+
 // Everything as it should be.
 DiagnosisFacts wellFacts()
 {
@@ -20,15 +25,26 @@ DiagnosisFacts wellFacts()
             .resolvedSystemApplicationsURL = "/Applications",
             .volumeIsReadOnly = false,
             .resolvedUserApplicationsURL = "/Users/ada/Applications" },
+        .system = { .text = "macOS 14.0.0" },
+        .minimumSystem = "13.3",
+        .isAdministrator = true,
+        .clientRuns = true,
+        .log = "in a drawer",
+        .preferences = { .file = "/Users/ada/preferences",
+            .condition = DiagnosisFacts::Preferences::Condition::there,
+            .folder = {} },
+        .removal = { .marker = "/removing" },
         .socketPath = "/var/run/service.sock",
         .contact = DiagnosisFacts::Answer { .version = "1.2.3", .isSignedIn = true },
         .service = DaemonHealth::Running { "1.2.3", DaemonUpgradePolicy::Current { "1.2.3" } },
         .backgroundItem = BackgroundItem::allowed,
         .filter = FilterStatus::on,
         .filterLine = { "✓ Content Filter", ComponentAction::none },
-        .filterVersion = "1.2.3",
-        .sharedState
-        = { { .file = "/Users/ada/shared/state.json", .condition = DiagnosisFacts::SharedState::Condition::there } },
+        .activeFilter = filterOf("1.2.3"),
+        .bundledFilter = filterOf("1.2.3"),
+        .sharedState = { { .file = "/Users/ada/shared/state.json",
+            .condition = DiagnosisFacts::SharedState::Condition::there,
+            .folder = {} } },
         .nativeMessaging = { .launcherFile = "/Library/Application Support/Brevanta/native-host",
             .launcher = FilePlacement::inPlace,
             .manifests = { { .browser = "Chromium",
@@ -37,6 +53,8 @@ DiagnosisFacts wellFacts()
                 { .browser = "Arc", .file = "/Users/ada/arc.json", .placement = std::nullopt } } },
         .confinedBrowsers = {},
         .sounds = { { .name = "gain.aiff", .isBundled = true, .placement = FilePlacement::inPlace } },
+        .soundFolder = "/Users/ada/Library/Sounds",
+        .folders = {},
         .notifications = NotificationAuthorization::authorized,
         .updates = { .feed = "https://updates.example.com/feed?ticket=abc", .isUsable = true },
         .reportsCrashes = true,
@@ -74,14 +92,15 @@ TEST(DiagnosisTest, WhatTheUserNeedNotChangeIsOnlyNoticed)
     facts.updates = {};
     facts.reportsCrashes = false;
     facts.loginItem = LoginItemStatus::requiresApproval;
-    facts.backgroundItem = BackgroundItem::unknown;
     facts.notifications = NotificationAuthorization::denied;
+    facts.clientRuns = std::nullopt;
     facts.confinedBrowsers = { "Chromium (Snap)" };
     facts.lastService = std::nullopt;
     const auto diagnosis = diagnose(facts);
     EXPECT_FALSE(diagnosis.needsUser());
+    EXPECT_TRUE(diagnosisText(diagnosis, {}).ends_with("\nNothing needs you. What begins with -- is worth knowing.\n"));
     for (const auto* key :
-        { "updater", "crashReports", "loginItem", "notifications", "nativeMessaging.confined", "service.background" }) {
+        { "updater", "crashReports", "loginItem", "notifications", "nativeMessaging.confined", "client.running" }) {
         ASSERT_TRUE(finding(diagnosis, key)) << key;
         EXPECT_EQ(finding(diagnosis, key)->verdict, FindingVerdict::notice) << key;
     }
@@ -105,14 +124,66 @@ TEST(DiagnosisTest, EachTroubleNamesTheOneThingToDo)
     const auto sharedStateIs = [](Condition condition) {
         return [condition](DiagnosisFacts& facts) { facts.sharedState->condition = condition; };
     };
+    const auto sharedFolderHas = [](WriteObstacle obstacle) {
+        return [obstacle](DiagnosisFacts& facts) { facts.sharedState->folder = { obstacle, "/Users/ada/shared" }; };
+    };
+    const auto launcherIsMissing = [](WriteObstacle obstacle, std::optional<bool> isAdministrator) {
+        return [=](DiagnosisFacts& facts) {
+            facts.nativeMessaging.launcher = FilePlacement::missing;
+            facts.nativeMessaging.manifests.front().placement = FilePlacement::missing;
+            facts.isAdministrator = isAdministrator;
+            facts.folders["/Library/Application Support/Brevanta"] = { obstacle, "/Library" };
+        };
+    };
+    using Preferences = DiagnosisFacts::Preferences::Condition;
+    const auto preferencesAre = [](Preferences condition) {
+        return [condition](DiagnosisFacts& facts) { facts.preferences.condition = condition; };
+    };
+    using Stage = DiagnosisFacts::Removal::Stage;
+    // Whatever else is wrong then is left alone.
+    const auto removalIs = [](Stage stage, bool canGoOn = false) {
+        return [=](DiagnosisFacts& facts) {
+            facts.removal.stage = stage;
+            facts.removal.canGoOn = canGoOn;
+            facts.service = DaemonHealth::NotInstalled {};
+            facts.contact = DiagnosisFacts::Answer { .version = "1.2.3" };
+            facts.filter = FilterStatus::off;
+            facts.filterLine = { "⚠ Install Content Filter…", ComponentAction::activateFilter };
+            facts.activeFilter = filterOf("1.2.2");
+            facts.sharedState->condition = Condition::outOfDate;
+        };
+    };
     const DaemonFailure refused = DaemonError { DaemonError::Kind::connectionFailed, {} };
     const Situation situations[] {
-        { "application.location", "~/Downloads/Brevanta.app (elsewhere)", "Move Brevanta to Applications",
+        { "system.version", "older than this application needs", "macOS 13.3 or later",
+            [](DiagnosisFacts& facts) { facts.system.isSupported = false; } },
+        { "storage", "full", "Make room", sharedFolderHas(WriteObstacle::fullVolume) },
+        { "storage", "read-only", "writable again", sharedFolderHas(WriteObstacle::readOnlyVolume) },
+        { "preferences", "damaged", "Quit Brevanta, move /Users/ada/preferences",
+            preferencesAre(Preferences::damaged) },
+        { "preferences", "may not be read", "let your user read", preferencesAre(Preferences::unreadable) },
+        { "removal", "under way", "Wait", removalIs(Stage::finishing) },
+        { "removal", "not finished in time", "\"Finish Removal\"", removalIs(Stage::overdue) },
+        { "removal", "being taken away", "Wait", removalIs(Stage::atWork) },
+        { "removal", "left /removing", "Restart this Mac", removalIs(Stage::cutShort, true) },
+        { "removal", "left /removing", "delete /removing", removalIs(Stage::cutShort) },
+        { "client.running", "does not run", "Open Brevanta.",
+            [](DiagnosisFacts& facts) {
+                facts.clientRuns = false;
+                facts.sharedState->condition = Condition::outOfDate;
+            } },
+        { "application.location", "~/Downloads/Brevanta.app, outside of", "Move Brevanta to Applications",
             [](DiagnosisFacts& facts) { facts.location.resolvedBundleURL = "~/Downloads/Brevanta.app"; } },
         { "service.health", "not installed", "\"⚠ Install Blocking Service…\"",
             serviceIs(DaemonHealth::NotInstalled {}, DiagnosisFacts::NoSocket {}) },
         { "service.health", "does not run", "\"⚠ Restart Blocking Service…\"",
             serviceIs(DaemonHealth::NotRunning {}, refused) },
+        { "service.health", "not talk to it", "Ask an administrator of this Mac to type the password",
+            [](DiagnosisFacts& facts) {
+                facts.service = DaemonHealth::NotRunning {};
+                facts.contact = DiagnosisFacts::NotPermitted {};
+                facts.isAdministrator = false;
+            } },
         { "service.health", "turned off", "\"⚠ Blocking Service Turned Off in System Settings…\"",
             serviceIs(DaemonHealth::TurnedOffInSettings {}, DiagnosisFacts::NoSocket {}) },
         { "service.health", "does not answer as it should", "\"⚠ Restart Blocking Service…\"",
@@ -122,18 +193,38 @@ TEST(DiagnosisTest, EachTroubleNamesTheOneThingToDo)
                 DiagnosisFacts::Answer { .version = "1.2.2", .isSignedIn = true }) },
         { "account", "no valid sign-in", "sign in",
             [](DiagnosisFacts& facts) { facts.contact = DiagnosisFacts::Answer { .version = "1.2.3" }; } },
-        { "filter.state", "awaitingApproval", "\"⚠ Approve Content Filter in System Settings…\"",
+        { "filter.state", "waits for your approval", "\"⚠ Approve Content Filter in System Settings…\"",
             filterIs(FilterStatus::awaitingApproval,
                 { "⚠ Approve Content Filter in System Settings…", ComponentAction::openFilterApproval }) },
         { "filter.state", "off", "Turn on Brevanta's content filter",
             filterIs(FilterStatus::off, { "⚠ Content Filter: Off", ComponentAction::none }) },
-        { "filter.state", "cantCheck", "Ask again",
+        { "filter.state", "the system cannot say", "Ask again",
             filterIs(FilterStatus::cantCheck, { "Content Filter: Can't check", ComponentAction::none }) },
+        { "filter.state", "next restart", "Restart this Mac; then",
+            [](DiagnosisFacts& facts) {
+                facts.filter = FilterStatus::off;
+                facts.filterLine = { "⚠ Install Content Filter…", ComponentAction::activateFilter };
+                facts.activeFilter.reset();
+                facts.filterIsUninstalling = true;
+            } },
+        { "filter.version", "1.2.2, older than the one in the application, 1.2.3", "open it again: it replaces",
+            [](DiagnosisFacts& facts) { facts.activeFilter = filterOf("1.2.2"); } },
         { "filter.sharedState", "no folder", "Install Brevanta anew",
             [](DiagnosisFacts& facts) { facts.sharedState.reset(); } },
-        { "filter.sharedState", "cannot be written", "write in the folder", sharedStateIs(Condition::notWritable) },
-        { "filter.sharedState", "missing", "disk is full", sharedStateIs(Condition::missing) },
-        { "nativeMessaging.launcher", "missing", "open it",
+        { "filter.sharedState", "takes no files", "Allow your user to write in the folder /Users/ada/shared.",
+            sharedFolderHas(WriteObstacle::ownPermissions) },
+        { "filter.sharedState", "may not write", "As an administrator, let your user write",
+            sharedFolderHas(WriteObstacle::permissions) },
+        { "filter.sharedState", "is no folder", "Move", sharedFolderHas(WriteObstacle::noFolder) },
+        { "filter.sharedState", "is no file", "Move", sharedStateIs(Condition::noFile) },
+        { "filter.sharedState", "missing", "open it again", sharedStateIs(Condition::missing) },
+        { "filter.sharedState", "not what the service says", "open it again", sharedStateIs(Condition::outOfDate) },
+        { "nativeMessaging.launcher", "your user may not write in /Library",
+            "Ask an administrator of this Mac to make the folder /Library/Application Support/Brevanta and give",
+            launcherIsMissing(WriteObstacle::permissions, false) },
+        { "nativeMessaging.launcher", "the disk with /Library is full", "Make room",
+            launcherIsMissing(WriteObstacle::fullVolume, true) },
+        { "nativeMessaging.launcher", "missing", "open it again",
             [](DiagnosisFacts& facts) { facts.nativeMessaging.launcher = FilePlacement::missing; } },
         { "nativeMessaging.manifest.chromium", "not as this version writes it", "open it",
             [](DiagnosisFacts& facts) {
@@ -178,7 +269,7 @@ TEST(DiagnosisTest, WhatIsSaidHoldsNoSecretNoHomeAndNothingThatATerminalObeys)
     auto facts = wellFacts();
     facts.contact = DaemonError { DaemonError::Kind::rejected, "unknown token " + token + "\x1b[2J\nok" };
     facts.service = DaemonHealth::Unreachable {};
-    facts.filterVersion = "1\xff";
+    facts.activeFilter = filterOf("1\xff");
     facts.nativeMessaging.manifests.back()
         = { .browser = "Arc", .file = "/Users/adam/x", .placement = FilePlacement::missing };
     const std::vector secrets { token };
@@ -200,6 +291,8 @@ TEST(DiagnosisTest, WhatIsSaidHoldsNoSecretNoHomeAndNothingThatATerminalObeys)
     EXPECT_EQ(parsed["remedy"], *diagnosis.remedy());
     EXPECT_EQ(parsed["findings"].size(), diagnosis.findings.size());
     EXPECT_TRUE(parsed["findings"][0]["remedy"].is_null());
+    EXPECT_TRUE(parsed["findings"][0]["state"].is_null());
+    EXPECT_EQ(parsed["findings"][1]["state"], "eligible");
 }
 
 }

@@ -1,6 +1,8 @@
 #include "WebTest.h"
 
+#include <algorithm>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 
 namespace brevanta::functional {
@@ -9,6 +11,17 @@ namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
+
+// With the times of their last change, folders too.
+std::map<fs::path, fs::file_time_type> filesBelow(const fs::path& folder)
+{
+    std::map<fs::path, fs::file_time_type> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (!entry.is_symlink())
+            files.emplace(entry.path(), entry.last_write_time());
+    }
+    return files;
+}
 
 // The client asks about itself on a command line that has neither a display nor a bus, while another one runs in the
 // user's session and has put everything into its place.
@@ -36,8 +49,10 @@ protected:
         return bench().client().root() / "Library/Application Support/Brevanta/native-host";
     }
 
-    // Something needs the user, this finding is one of those, and the one thing to do has this text.
-    void expectTrouble(const std::string& key, const std::string& remedy)
+    // Something needs the user, this finding is one of those, and the one thing to do has this text. Another finding
+    // has this state.
+    void expectTrouble(
+        const std::string& key, const std::string& remedy, const std::pair<std::string, std::string>& elsewhere = {})
     {
         const auto answer = bench().client().ask({ "--diagnose", "--json" }, patience * 2);
         ASSERT_TRUE(answer) << key << ": it hangs";
@@ -51,6 +66,9 @@ protected:
         for (const auto& finding : diagnosis["findings"]) {
             if (finding["key"] == key) {
                 EXPECT_EQ(finding["verdict"], "needsUser") << finding;
+            }
+            if (finding["key"] == elsewhere.first) {
+                EXPECT_EQ(finding["state"], elsewhere.second) << finding;
             }
         }
         const auto text = bench().client().ask({ "--diagnose" }, patience * 2);
@@ -68,7 +86,9 @@ TEST_F(DiagnosisTest, whereAllIsWellNobodyHasToDoAnything)
     const auto answer = bench().client().ask({ "--diagnose" }, patience);
     ASSERT_TRUE(answer);
     EXPECT_EQ(answer->exitStatus, 0) << answer->output;
-    EXPECT_TRUE(answer->output.ends_with("\nAll is well.\n")) << answer->output;
+    // It sees no bus on which the client would be.
+    EXPECT_TRUE(answer->output.ends_with("\nNothing needs you. What begins with -- is worth knowing.\n"))
+        << answer->output;
     EXPECT_EQ(answer->output.find("stand-in-token"), std::string::npos) << answer->output;
     EXPECT_EQ(answer->errors, "");
 
@@ -91,7 +111,10 @@ TEST_F(DiagnosisTest, eachStateOfTheServiceThatNeedsTheUserNamesItsRemedy)
     tell("misbehave garbage");
     expectTrouble("service.health", "\"⚠ Restart Blocking Service…\"");
     tell("misbehave silence");
-    expectTrouble("service.health", "\"⚠ Restart Blocking Service…\"");
+    expectTrouble("service.health", "\"⚠ Restart Blocking Service…\"", { "service.socket", "noAnswerInTime" });
+    tell("behave");
+    tell("removal hanging 60");
+    expectTrouble("removal", "\"Finish Removal\"", { "filter.state", "on" });
 
     service().kill();
     system({ "service", "unloaded" });
@@ -100,6 +123,20 @@ TEST_F(DiagnosisTest, eachStateOfTheServiceThatNeedsTheUserNamesItsRemedy)
     expectTrouble("service.health", "\"⚠ Blocking Service Turned Off in System Settings…\"");
     system({ "service", "missing" });
     expectTrouble("service.health", "\"⚠ Install Blocking Service…\"");
+}
+
+TEST_F(DiagnosisTest, aDamagedStoreIsNamedAndNothingIsChanged)
+{
+    click("Quit");
+    expectCleanExit(patience);
+    const auto everything = filesBelow(bench().client().root());
+    const auto store = std::ranges::find_if(
+        everything, [](const auto& file) { return file.first.filename() == "com.brevanta.KestreluneMac.json"; });
+    ASSERT_NE(store, everything.end());
+    std::ofstream(store->first) << "{";
+    const auto before = filesBelow(bench().client().root());
+    expectTrouble("preferences", "Quit Brevanta, move ");
+    EXPECT_EQ(filesBelow(bench().client().root()), before);
 }
 
 TEST_F(DiagnosisTest, aFilterThatIsOffAndAFileThatIsGoneNameTheirRemedies)
