@@ -130,11 +130,6 @@ bool FileStorePosix::isFolder(const std::filesystem::path& path) const
     return std::filesystem::is_directory(path, error);
 }
 
-bool FileStorePosix::isWritableFolder(const std::filesystem::path& path) const
-{
-    return isFolder(path) && !::access(path.c_str(), W_OK | X_OK);
-}
-
 std::optional<FilePermissions> FileStorePosix::permissions(const std::filesystem::path& path) const
 {
     struct stat status {};

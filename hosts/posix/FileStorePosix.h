@@ -19,8 +19,6 @@ public:
 
     [[nodiscard]] bool isFolder(const std::filesystem::path& path) const override;
 
-    [[nodiscard]] bool isWritableFolder(const std::filesystem::path& path) const override;
-
     [[nodiscard]] std::optional<FilePermissions> permissions(const std::filesystem::path& path) const override;
 };
 

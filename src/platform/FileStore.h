@@ -66,10 +66,6 @@ public:
     // Whether there is a folder at the path, or a link to one. False, too, when that cannot be found out.
     [[nodiscard]] virtual bool isFolder(const std::filesystem::path& path) const = 0;
 
-    // Whether there is a folder at the path in which this process may make files. False, too, when that cannot be found
-    // out; a disk without room shows in writing alone.
-    [[nodiscard]] virtual bool isWritableFolder(const std::filesystem::path& path) const = 0;
-
     // Those of the file at the path; nothing when `stamp` gives nothing, or when they are none of these.
     [[nodiscard]] virtual std::optional<FilePermissions> permissions(const std::filesystem::path& path) const = 0;
 };

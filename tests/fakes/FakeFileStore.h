@@ -74,11 +74,6 @@ public:
             || std::ranges::any_of(m_files, [&](const auto& file) { return isBelow(file.first); });
     }
 
-    [[nodiscard]] bool isWritableFolder(const std::filesystem::path& path) const override
-    {
-        return isFolder(path) && !folderFailure;
-    }
-
     [[nodiscard]] std::optional<FilePermissions> permissions(const std::filesystem::path& path) const override
     {
         const std::lock_guard lock(m_mutex);
@@ -118,7 +113,7 @@ public:
     }
 
     std::optional<FileStoreError> failure; // What every replacement ends with.
-    std::optional<FileStoreError> folderFailure; // What every making of a folder ends with; none is writable then.
+    std::optional<FileStoreError> folderFailure; // What every making of a folder ends with.
     std::map<std::filesystem::path, FileStoreError> readFailures; // What reading these files ends with.
     std::function<void()> whileWriting; // Called at the beginning of each replacement.
 
