@@ -31,7 +31,6 @@ public:
     }
     [[nodiscard]] std::expected<void, FileStoreError> createFolder(const std::filesystem::path&) override { return {}; }
     [[nodiscard]] bool isFolder(const std::filesystem::path&) const override { return true; }
-    [[nodiscard]] bool isWritableFolder(const std::filesystem::path&) const override { return true; }
     [[nodiscard]] std::optional<FilePermissions> permissions(const std::filesystem::path&) const override
     {
         return FilePermissions::ownerOnly;
