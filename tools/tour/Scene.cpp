@@ -1,6 +1,6 @@
 #include "tour/Scene.h"
 
-#include "tour/DesktopPanel.h"
+#include <algorithm>
 
 namespace brevanta::tour {
 
@@ -8,9 +8,12 @@ using functional::ChildProcess;
 using functional::Milliseconds;
 
 static constexpr Milliseconds patience { 10000 };
+static constexpr Rectangle screen { 0, 0, Desktop::size.width, Desktop::size.height };
+static constexpr int margin = 14; // Of a picture around its windows: room for their shadows.
 
-Scene::Scene(const functional::VirtualDisplay& display, std::string outputDirectory)
+Scene::Scene(const functional::VirtualDisplay& display, const Desktop& desktop, std::string outputDirectory)
     : m_display(display)
+    , m_desktop(desktop)
     , m_outputDirectory(std::move(outputDirectory))
 {
 }
@@ -24,33 +27,98 @@ bool Scene::run(std::vector<std::string> arguments) const
     return process && (*process)->awaitExit(patience) == 0;
 }
 
-bool Scene::takePicture(const std::string& name) const
+static std::string nameOf(const DesktopWindow& window)
+{
+    switch (window.kind) {
+    case WindowKind::menu:
+        return "the menu";
+    case WindowKind::notice:
+        return "a notice";
+    default:
+        return '"' + window.window.title + '"';
+    }
+}
+
+static bool mayLieOver(const DesktopWindow& one, const DesktopWindow& other)
+{
+    return one.kind == WindowKind::dialog && other.kind == WindowKind::ordinary;
+}
+
+// What is wrong with a picture of the windows, of which some may lie over others.
+static std::expected<void, std::string> checkPlaces(const std::vector<DesktopWindow>& windows)
+{
+    for (auto one = windows.begin(); one != windows.end(); ++one) {
+        if (!screen.contains(one->place))
+            return std::unexpected(nameOf(*one) + " is cut off by the screen's edge");
+        const auto other = std::find_if(std::next(one), windows.end(), [&](const DesktopWindow& candidate) {
+            return candidate.place.intersects(one->place) && !mayLieOver(*one, candidate)
+                && !mayLieOver(candidate, *one);
+        });
+        if (other != windows.end())
+            return std::unexpected(nameOf(*one) + " and " + nameOf(*other) + " are at the same place");
+    }
+    return {};
+}
+
+std::expected<void, std::string> Scene::savePart(const Rectangle& part, const std::string& name) const
+{
+    const auto geometry = std::to_string(part.right - part.left) + "x" + std::to_string(part.bottom - part.top) + "+"
+        + std::to_string(part.left) + "+" + std::to_string(part.top);
+    if (!run({ "import", "-window", "root", "-crop", geometry, "+repage", m_outputDirectory + "/" + name + ".png" }))
+        return std::unexpected("the picture cannot be saved");
+    return {};
+}
+
+std::expected<void, std::string> Scene::takePicture(const std::string& name) const
 {
     // A spinning wheel never stands still, so the picture is taken in any case.
     (void)m_display.awaitStillness(Milliseconds(2000));
-    return run({ "import", "-window", "root", m_outputDirectory + "/" + name + ".png" });
+    const auto windows = m_desktop.windows().all();
+    if (auto saved = savePart(screen, name); !saved)
+        return saved;
+    return checkPlaces(windows);
 }
 
-bool Scene::takePictureOf(const functional::MappedWindow& window, const std::string& name) const
+std::expected<void, std::string> Scene::takePictureOf(
+    const std::vector<DesktopWindow>& wanted, const std::string& name) const
 {
     (void)m_display.awaitStillness(Milliseconds(2000));
-    return run({ "import", "-window", std::to_string(window.id), m_outputDirectory + "/" + name + ".png" });
+    if (wanted.empty())
+        return std::unexpected("there is nothing to be seen");
+    auto part = wanted.front().place;
+    for (const auto& window : wanted)
+        part = part.unitedWith(window.place);
+    part = part.grownBy(margin);
+    auto windows = m_desktop.windows().all();
+    if (auto saved = savePart(part, name); !saved)
+        return saved;
+    if (!screen.contains(part))
+        return std::unexpected(nameOf(wanted.front()) + " is too close to the screen's edge");
+    std::erase_if(windows, [&](const DesktopWindow& window) { return !window.place.intersects(part); });
+    if (windows.size() != wanted.size())
+        return std::unexpected("something else is in the picture");
+    return checkPlaces(windows);
+}
+
+bool Scene::activate(const DesktopWindow& window) const
+{
+    return run({ "xdotool", "windowactivate", "--sync", std::to_string(window.window.id) });
 }
 
 bool Scene::openStatusMenu() const
 {
-    const auto windowCount = m_display.windows().size();
-    const auto x = std::to_string(functional::VirtualDisplay::width - DesktopPanel::height / 2);
-    const auto y = std::to_string(DesktopPanel::height / 2);
+    const auto x = std::to_string(Desktop::size.width - Desktop::panelHeight / 2);
+    const auto y = std::to_string(Desktop::panelHeight / 2);
     return run({ "xdotool", "mousemove", x, y, "click", "1" })
-        && functional::awaitByAsking([&] { return m_display.windows().size() > windowCount; }, patience);
+        && m_desktop.windows().awaitKind(WindowKind::menu, 1, patience);
 }
 
 bool Scene::closeStatusMenu() const
 {
-    const auto windowCount = m_display.windows().size();
-    return run({ "xdotool", "key", "Escape" })
-        && functional::awaitByAsking([&] { return m_display.windows().size() < windowCount; }, patience);
+    // Away from the panel the pointer calls for no tooltip.
+    const auto bottom = std::to_string(Desktop::size.height - 1);
+    return run({ "xdotool", "key", "Escape", "mousemove", "0", bottom })
+        && m_desktop.windows().awaitKind(WindowKind::menu, 0, patience);
 }
 
 }

@@ -9,8 +9,14 @@ using functional::Milliseconds;
 
 static constexpr Milliseconds patience { 10000 };
 static constexpr Milliseconds startUpPatience { 30000 };
-static constexpr int windowLeft = 40;
-static constexpr int windowTop = DesktopPanel::height + 12;
+static constexpr int windowLeft = 20;
+static constexpr int windowTop = Desktop::panelHeight + 17;
+
+// What the service blocks, in each of its runs.
+static constexpr const char* whatIsBlocked[] = {
+    R"(set blocked_domains ["news.example","shop.example","video.example"])",
+    R"(set blocked_apps ["com.example.cards","com.example.chess"])",
+};
 
 Tour::Tour(std::string outputDirectory, TourReport& report)
     : m_report(report)
@@ -18,7 +24,8 @@ Tour::Tour(std::string outputDirectory, TourReport& report)
     , m_bench({ .logPath = m_outputDirectory + "/client.log",
           .preparations = { "energy 24", "set low_lp_threshold 10", "set high_lp_threshold 40" },
           .notificationTaker = functional::NotificationTaker::nobody,
-          .webPreparations = { "refuse" } })
+          .webPreparations = { "refuse" },
+          .displaySize = Desktop::size })
 {
 }
 
@@ -27,27 +34,29 @@ std::expected<void, std::string> Tour::play()
     m_report.tell("A display, a bus and the stand-ins for the blocking service and the web server are started.");
     if (auto started = m_bench.startSurroundings(); !started)
         return started;
-    m_report.tell("A panel and a notification service are started on that display.");
-    auto panel = DesktopPanel::start(m_bench.display(), m_bench.bus());
-    if (!panel)
-        return std::unexpected(panel.error());
-    m_panel = std::move(*panel);
+    m_report.tell("A window manager, a panel and a notification service are started on that display.");
+    auto desktop = Desktop::start(m_bench.display(), m_bench.bus());
+    if (!desktop)
+        return std::unexpected(desktop.error());
+    m_desktop = std::move(*desktop);
     auto notifications = NotificationMonitor::start(m_bench.bus());
     if (!notifications)
         return std::unexpected(notifications.error());
     m_notifications = std::move(*notifications);
-    m_scene = std::make_unique<Scene>(m_bench.display(), m_outputDirectory);
+    m_scene = std::make_unique<Scene>(m_bench.display(), *m_desktop, m_outputDirectory);
 
-    m_report.tell("The client starts, with 24 coins and nothing blocked, while the web server is away.");
+    nameWhatIsBlocked();
+    m_report.tell("The client starts, with 24 coins and blocking inactive, while the web server is away.");
     if (auto started = m_bench.startClient(); !started)
         return started;
     showWindow();
     loadPage();
     signIn();
     turnOnFilter();
-    startAgain();
     workOnTask();
+    closeWindow();
     beReminded();
+    startAgain();
     runLow();
     runOut();
     loseService();
@@ -57,14 +66,18 @@ std::expected<void, std::string> Tour::play()
     return {};
 }
 
+void Tour::nameWhatIsBlocked()
+{
+    for (const auto* command : whatIsBlocked)
+        tellService(command);
+}
+
 void Tour::showWindow()
 {
     seeDescription("Brevanta — not blocking");
     seeLine("Blocking: Inactive (24.00 Coins)");
     choose("Open Brevanta");
-    const auto& display = m_bench.display();
-    m_report.sees(display.awaitWindows(BrevantaClient::windowTitle, 1, patience), "the client's window");
-    placeWindow();
+    seeWindow("the client's window");
 }
 
 void Tour::loadPage()
@@ -87,11 +100,7 @@ void Tour::signIn()
         "the button is pressed");
     m_report.sees(m_bench.service().command("await set_auth_token 1").has_value(), "the service gets the token");
     seeLog("auth_token bridge: daemon accepted token", "the service takes it");
-    tellService("list blocked_domains 6");
-    seePage("window.demo.events.some((e) => e.name === 'kestrelune_blocking_status' && e.detail.energy === 24)",
-        "the page shows the status that the poll pushes");
-    takePictureOfWindow("shell-usable");
-    takePicture("1-window");
+    seeBalanceOnPage(24);
 }
 
 void Tour::turnOnFilter()
@@ -102,16 +111,15 @@ void Tour::turnOnFilter()
     seeLine("✓ Blocking Service 0.121.0");
     choose("⚠ Install Content Filter…");
     seeLine("⚠ Approve Content Filter in System Settings…");
-    const auto& display = m_bench.display();
     constexpr auto explanation = "Approve the Brevanta content filter";
-    m_report.sees(display.awaitWindows(explanation, 1, patience), "an alert that says what has to be allowed");
-    for (const auto& window : display.windowsTitled(explanation))
-        display.moveWindow(window, (functional::VirtualDisplay::width - window.width) / 2, windowTop + windowLeft);
-    takePicture("7-filter-approval");
+    const auto& windows = m_desktop->windows();
+    m_report.sees(windows.awaitTitled(explanation, 1, patience), "an alert that says what has to be allowed");
+    takePicture("filter-approval");
     m_report.tell("The user allows it.");
     changeSystem({ "filter", "approve" });
-    seeLine("✓ Content Filter");
-    m_report.sees(display.awaitWindows(explanation, 0, patience), "the alert has gone by itself");
+    seeComponentsOn();
+    m_report.sees(windows.awaitTitled(explanation, 0, patience), "the alert has gone by itself");
+    takePictureOfWindow("shell-usable");
 }
 
 // What the user sees when the page is lost, and when it comes back.
@@ -129,25 +137,21 @@ void Tour::losePage()
         "the page is back, and Ada is still signed in");
 }
 
-void Tour::startAgain()
+void Tour::closeWindow()
 {
     m_report.tell("The window is closed.");
-    const auto& display = m_bench.display();
-    for (const auto& window : display.windowsTitled(BrevantaClient::windowTitle))
-        display.pressCloseButton(window);
-    m_report.sees(display.awaitWindows(BrevantaClient::windowTitle, 0, patience), "no window any more");
+    const auto& windows = m_desktop->windows();
+    for (const auto& window : windows.titled(BrevantaClient::windowTitle))
+        m_bench.display().pressCloseButton(window.window);
+    m_report.sees(windows.awaitTitled(BrevantaClient::windowTitle, 0, patience), "no window any more");
+}
+
+void Tour::startAgain()
+{
     m_report.tell("The client is started a second time.");
     const auto second = m_bench.client().startProcess({});
     m_report.sees(second && (*second)->awaitExit(patience) == 0, "the second start ends at once");
-    m_report.sees(display.awaitWindows(BrevantaClient::windowTitle, 1, patience), "the first one's window again");
-    placeWindow();
-}
-
-void Tour::placeWindow()
-{
-    const auto& display = m_bench.display();
-    for (const auto& window : display.windowsTitled(BrevantaClient::windowTitle))
-        display.moveWindow(window, windowLeft, windowTop);
+    seeWindow("the first one's window again");
 }
 
 void Tour::workOnTask()
@@ -155,23 +159,27 @@ void Tour::workOnTask()
     m_report.tell("A task is begun.");
     tellService("task Write the report 0");
     seeLine("Active: Write the report");
-    showMenu("2-task");
+    seeComponentsOn();
+    showMenu("task");
 }
 
 void Tour::beReminded()
 {
     m_report.tell("The service queues a reminder, a timer and a refused application, and repeats them in each reply.");
     tellService(R"(queue reminder {"event_id":1,"task_id":"t","kind":"fire","title":"Read","notification_title":)"
-                R"("Read <b>20 pages</b> & rest","body":"\"Dune\" <i>or</i> מתיחה: 5 < 6 & 7 > 6"})");
+                R"("Read 20 pages","body":"\"Emma\" & a cup of tea"})");
     tellService(R"(queue alert {"alert_id":2,"kind":"task_timer","notification_title":"Time is up","body":)"
                 R"("Write the report","sound_prefix":"task-timer","expires_in_seconds":60,"open":null})");
     tellService(R"(queue rejection {"event_id":3,"task_id":"t","task_title":"Games","closing_session_id":null,)"
                 R"("reason":"daily_cap","kind":"rejected_open"})");
-    seeNotification("intraday-1", "Read <b>20 pages</b> & rest");
+    seeNotification("intraday-1", "Read 20 pages");
     seeNotification("task-timer-2", "Time is up");
     seeNotification("app-rejected-3", "App not opened");
-    takePicture("8-notices");
+    seeNotices(3);
+    const auto notices = m_desktop->windows().ofKind(WindowKind::notice);
+    seePicture(m_scene->takePictureOf(notices, "notices"), "the notices", "notices");
     m_report.sees(m_bench.service().awaitHandledPolls(2), "two more polls bring the same three");
+    seeNotices(0);
 }
 
 void Tour::runLow()
@@ -181,7 +189,9 @@ void Tour::runLow()
     tellService("energy 8");
     seeNotification("low-lp", "Low Coins");
     seeLine("Blocking: Inactive (8.00 Coins)");
-    takePicture("3-low-coins");
+    seeBalanceOnPage(8);
+    seeNotices(1);
+    takePicture("low-coins");
 }
 
 void Tour::runOut()
@@ -191,7 +201,10 @@ void Tour::runOut()
     seeNotification("no-lp", "No Coins");
     seeDescription("Brevanta — blocking");
     seeLine("Blocking: Active (0.00 Coins)");
-    showMenu("4-blocking");
+    seeBalanceOnPage(0);
+    seeComponentsOn();
+    seeNotices(2);
+    showMenu("bench");
 }
 
 void Tour::loseService()
@@ -206,7 +219,7 @@ void Tour::loseService()
         },
         patience);
     m_report.sees(isUnreachable, "the menu says that the service cannot be reached");
-    showMenu("5-service-away");
+    showMenu("service-away");
     m_report.tell("The client gives a service some time to start; then it says that it cannot be reached.");
     const auto graceIsOver = m_bench.menu().awaitEntries(
         [](const functional::MenuEntries& entries) {
@@ -221,13 +234,16 @@ void Tour::regainService()
     m_report.tell("The service is started again, and 45 coins are there; the high mark is 40.");
     if (const auto started = m_bench.service().start(); !started)
         m_report.tell(started.error());
+    nameWhatIsBlocked();
     tellService("energy 45");
     tellService("set high_lp_threshold 40");
     seeDescription("Brevanta — not blocking");
     seeLine("Blocking: Inactive (45.00 Coins)");
     seeNotification("high-lp", "Coins Restored");
     m_report.sees(m_notifications->count() == 6, "six notifications in all, none of them twice");
-    showMenu("6-coins-restored");
+    seeBalanceOnPage(45);
+    seeComponentsOn();
+    showMenu("coins-restored");
 }
 
 void Tour::quit()
@@ -238,6 +254,16 @@ void Tour::quit()
     const auto isGone
         = functional::awaitByAsking([this] { return m_bench.client().process().groupMembers().empty(); }, patience);
     m_report.sees(isGone, "no process of the client is left");
+}
+
+void Tour::seeWindow(const std::string& what)
+{
+    const auto& windows = m_desktop->windows();
+    m_report.sees(windows.awaitTitled(BrevantaClient::windowTitle, 1, patience), what);
+    for (const auto& window : windows.titled(BrevantaClient::windowTitle)) {
+        m_bench.display().moveWindow(window.window, windowLeft, windowTop);
+        m_report.sees(m_scene->activate(window), "the window takes the keyboard");
+    }
 }
 
 void Tour::tellService(const std::string& command)
@@ -275,6 +301,26 @@ void Tour::seePage(const std::string& expression, const std::string& what)
     m_report.sees(m_bench.web().awaitTrue(expression, startUpPatience), what);
 }
 
+void Tour::seeBalanceOnPage(int coins)
+{
+    seePage("window.demo.events.some((e) => e.name === 'kestrelune_blocking_status' && e.detail.energy === "
+            + std::to_string(coins) + ")",
+        "the page hears of " + std::to_string(coins) + " coins");
+}
+
+void Tour::seeComponentsOn()
+{
+    seeLine("✓ Content Filter");
+    seeLine("✓ Blocking Service 0.121.0");
+}
+
+void Tour::seeNotices(std::size_t count)
+{
+    m_report.sees(m_desktop->windows().awaitKind(WindowKind::notice, count, patience),
+        count ? std::to_string(count) + (count == 1 ? " notice" : " notices") + " on the screen"
+              : "the notices have gone");
+}
+
 void Tour::seeDescription(const std::string& text)
 {
     m_report.sees(m_bench.statusItem().awaitDescription(text), "the status item says \"" + text + "\"");
@@ -303,16 +349,17 @@ void Tour::showMenu(const std::string& pictureName)
     m_report.sees(m_scene->closeStatusMenu(), "the menu closes");
 }
 
-void Tour::takePicture(const std::string& name)
-{
-    m_report.sees(m_scene->takePicture(name), "the screen (picture " + name + ".png)");
-}
+void Tour::takePicture(const std::string& name) { seePicture(m_scene->takePicture(name), "the screen", name); }
 
 void Tour::takePictureOfWindow(const std::string& name)
 {
-    const auto windows = m_bench.display().windowsTitled(BrevantaClient::windowTitle);
-    m_report.sees(
-        windows.size() == 1 && m_scene->takePictureOf(windows.front(), name), "the window (picture " + name + ".png)");
+    const auto windows = m_desktop->windows().titled(BrevantaClient::windowTitle);
+    seePicture(m_scene->takePictureOf(windows, name), "the window", name);
+}
+
+void Tour::seePicture(const std::expected<void, std::string>& taken, const std::string& what, const std::string& name)
+{
+    m_report.sees(taken.has_value(), what + " (picture " + name + ".png)" + (taken ? "" : ": " + taken.error()));
 }
 
 }

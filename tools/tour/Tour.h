@@ -1,7 +1,7 @@
 #pragma once
 
 #include "support/ClientBench.h"
-#include "tour/DesktopPanel.h"
+#include "tour/Desktop.h"
 #include "tour/NotificationMonitor.h"
 #include "tour/Scene.h"
 #include "tour/TourReport.h"
@@ -22,6 +22,7 @@ private:
     void turnOnFilter();
     void losePage();
     void showWindow();
+    void closeWindow();
     void startAgain();
     void workOnTask();
     void runLow();
@@ -31,7 +32,9 @@ private:
     void regainService();
     void quit();
 
-    void placeWindow();
+    void nameWhatIsBlocked();
+    // Puts the window where nothing else covers it, and gives it the keyboard.
+    void seeWindow(const std::string& what);
     void tellService(const std::string& command);
     void seeDescription(const std::string& text);
     void seeLine(const std::string& label);
@@ -40,6 +43,10 @@ private:
     void showMenu(const std::string& pictureName);
     void takePicture(const std::string& name);
     void takePictureOfWindow(const std::string& name);
+    void seePicture(const std::expected<void, std::string>& taken, const std::string& what, const std::string& name);
+    void seeBalanceOnPage(int coins);
+    void seeComponentsOn();
+    void seeNotices(std::size_t count);
     void changeSystem(const std::vector<std::string>& command);
     void tellWeb(const std::string& command);
     void seeLog(const std::string& text, const std::string& what);
@@ -49,7 +56,7 @@ private:
     TourReport& m_report;
     std::string m_outputDirectory;
     functional::ClientBench m_bench;
-    std::unique_ptr<DesktopPanel> m_panel;
+    std::unique_ptr<Desktop> m_desktop;
     std::unique_ptr<NotificationMonitor> m_notifications;
     std::unique_ptr<Scene> m_scene;
 };

@@ -15,7 +15,7 @@ ClientBench::ClientBench(ClientBenchOptions options)
 
 std::expected<void, std::string> ClientBench::startSurroundings()
 {
-    auto display = VirtualDisplay::start();
+    auto display = VirtualDisplay::start(m_options.displaySize);
     if (!display)
         return std::unexpected(display.error());
     m_display = std::move(*display);

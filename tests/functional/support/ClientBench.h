@@ -25,6 +25,7 @@ struct ClientBenchOptions {
     std::string trustedHosts { "localhost" };
     std::string signInHosts {};
     std::vector<std::string> arguments {}; // Of the client.
+    DisplaySize displaySize {};
     std::vector<std::pair<std::string, std::string>> variables {}; // Further ones of the client's environment.
 };
 

@@ -17,11 +17,11 @@ template <typename T> using Reply = std::unique_ptr<T, FreeReply>;
 
 }
 
-std::expected<std::unique_ptr<VirtualDisplay>, std::string> VirtualDisplay::start()
+std::expected<std::unique_ptr<VirtualDisplay>, std::string> VirtualDisplay::start(DisplaySize size)
 {
     auto server = ChildProcess::start({
         .arguments = { "Xvfb", "-displayfd", "1", "-screen", "0",
-            std::to_string(width) + "x" + std::to_string(height) + "x24", "-nolisten", "tcp", "-noreset" },
+            std::to_string(size.width) + "x" + std::to_string(size.height) + "x24", "-nolisten", "tcp", "-noreset" },
         .environment = neutralEnvironment(),
     });
     if (!server)

@@ -14,13 +14,15 @@ struct MappedWindow {
     int height { 0 };
 };
 
+struct DisplaySize {
+    int width { 1360 };
+    int height { 900 };
+};
+
 // An X server without a screen to look at and without a window manager.
 class VirtualDisplay {
 public:
-    [[nodiscard]] static std::expected<std::unique_ptr<VirtualDisplay>, std::string> start();
-
-    static constexpr int width = 1360;
-    static constexpr int height = 900;
+    [[nodiscard]] static std::expected<std::unique_ptr<VirtualDisplay>, std::string> start(DisplaySize = {});
 
     // As the variable DISPLAY has it.
     [[nodiscard]] const std::string& name() const { return m_name; }
