@@ -12,6 +12,9 @@ NS_ASSUME_NONNULL_BEGIN
 // A window in full screen leaves that first: hidden at once it would leave an empty screen behind.
 - (void)hideWindow:(NSWindow*)window;
 
+// What was to be hidden after full screen stays.
+- (void)keepWindow;
+
 @end
 
 namespace brevanta {

@@ -25,6 +25,11 @@
     [window toggleFullScreen:nil];
 }
 
+- (void)keepWindow
+{
+    _hidesAfterFullScreen = NO;
+}
+
 - (void)windowDidExitFullScreen:(NSNotification*)notification
 {
     if (!_hidesAfterFullScreen)
@@ -92,6 +97,7 @@ NSView* MainWindowMac::createContent(NSSize size) const
 
 void MainWindowMac::showInFront()
 {
+    [m_delegate keepWindow];
     if (m_window.miniaturized)
         [m_window deminiaturize:nil];
     [m_window makeKeyAndOrderFront:nil];
