@@ -12,10 +12,11 @@ static constexpr Milliseconds startUpPatience { 30000 };
 static constexpr int windowLeft = 20;
 static constexpr int windowTop = Desktop::panelHeight + 17;
 
-// What the service blocks, in each of its runs.
+// What the service blocks, and what costs coins, in each of its runs.
 static constexpr const char* whatIsBlocked[] = {
     R"(set blocked_domains ["news.example","shop.example","video.example"])",
     R"(set blocked_apps ["com.example.cards","com.example.chess"])",
+    R"(set auto_track_apps ["com.example.video","com.example.chat"])",
 };
 
 Tour::Tour(std::string outputDirectory, TourReport& report)
