@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Takes the commands that are typed while scripts/run shows the client, a line each, and hands each to the stand-in that
 it is for: those that begin with `system` to brevanta-system, those with `web` to the web server, all others to the
-blocking service. `quit` ends the client by SIGTERM. The end of standard input ends nothing else."""
+blocking service. `diagnose` starts the client's program for a diagnosis in these surroundings. `quit` ends the client by
+SIGTERM. The end of standard input ends nothing else."""
 
 import argparse
 import os
@@ -14,6 +15,7 @@ OWN_HELP = """
   system COMMAND                              changes what stands for the Mac's system, for instance 'system filter off'
   web COMMAND                                 tells the web server, for instance 'web refuse'
   system help, web help                       what these two know
+  diagnose                                    says how everything is, and what to do about it
   help                                        these lines
   quit                                        ends the client and all that was started with it
 """
@@ -53,7 +55,19 @@ def run(program, words):
     return ["error: " + done.stderr.strip().removeprefix(os.path.basename(program[0]) + ": ")]
 
 
+def diagnosis(program):
+    """What the client's program finds; that something needs the user, status 1, is no failure."""
+    try:
+        done = subprocess.run([program, "--diagnose"], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              encoding="utf-8", errors="replace", check=False)
+    except OSError as error:
+        return [f"error: {error}"]
+    return [*done.stdout.splitlines(), "ok"]
+
+
 def answer(line, options):
+    if line == "diagnose":
+        return diagnosis(options.program)
     first, _, rest = line.partition(" ")
     if first == "system":
         return run([options.system, "--root", options.root], rest.split())
@@ -72,6 +86,7 @@ def main():
     parser.add_argument("--absent", required=True, metavar="TEXT", help="what is said while no service listens there")
     parser.add_argument("--web", required=True, metavar="SOCKET")
     parser.add_argument("--client", required=True, type=int, metavar="PROCESS")
+    parser.add_argument("--program", required=True, metavar="PROGRAM", help="the client's")
     parser.add_argument("--system", required=True, metavar="PROGRAM")
     parser.add_argument("--root", required=True, metavar="DIRECTORY", help="what the program changes")
     options = parser.parse_args()

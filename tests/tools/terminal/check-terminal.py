@@ -18,7 +18,8 @@ def started(*arguments, **options):
 with tempfile.TemporaryDirectory() as folder, started("sleep", "60") as client:
     control, web = f"{folder}/control", f"{folder}/web"
     typed = started(sys.executable, terminal, "--service", control, "--absent", "not there yet", "--web", web,
-                    "--client", str(client.pid), "--system", system, "--root", folder, stdin=subprocess.PIPE)
+                    "--client", str(client.pid), "--program", "echo", "--system", system, "--root", folder,
+                    stdin=subprocess.PIPE)
 
     def expect(answers):
         for line, expected in answers:
@@ -34,9 +35,11 @@ with tempfile.TemporaryDirectory() as folder, started("sleep", "60") as client:
                 ("system filter approve", "error: no copy of the extension waits for approval"),
                 ("system filter on", "ok"), ("system fly", "error: unknown command 'fly' (see help)"),
                 ("get energy", "ok 5.0")])
-        print("help\nget energy", file=typed.stdin, flush=True)
+        print("diagnose\nhelp\nget energy", file=typed.stdin, flush=True)
         lines = list(iter(lambda: typed.stdout.readline().rstrip("\n"), "ok 5.0"))
-        for command in ("energy COINS", "await", "system COMMAND", "web COMMAND", "help", "quit"):
+        if lines[:2] != ["--diagnose", "ok"]:
+            faults.append(f"a diagnosis is answered {lines[:2]}")
+        for command in ("energy COINS", "await", "system COMMAND", "web COMMAND", "diagnose", "help", "quit"):
             if sum(line.startswith(f"  {command} ") for line in lines) != 1:
                 faults.append(f"help has not one line for {command}: {lines}")
         running.terminate()
