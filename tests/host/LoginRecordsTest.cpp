@@ -66,7 +66,7 @@ public:
         utmpx entry {};
         entry.ut_type = type;
         std::ranges::copy(line, entry.ut_line);
-        entry.ut_tv.tv_sec = seconds;
+        entry.ut_tv.tv_sec = static_cast<decltype(entry.ut_tv.tv_sec)>(seconds); // Unsigned in newer headers.
         entry.ut_tv.tv_usec = microseconds;
         std::ofstream(m_path, std::ios::app | std::ios::binary)
             .write(reinterpret_cast<const char*>(&entry), sizeof(entry));
