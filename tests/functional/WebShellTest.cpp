@@ -65,7 +65,9 @@ TEST_F(WebShellTest, aReloadThatFailsKeepsThePage)
     ASSERT_TRUE(showsPage());
     ASSERT_TRUE(web().evaluate("window.kept = 'still here'"));
     std::size_t reloads = 0;
-    for (const char* misbehaviour : { "status 503", "close" }) {
+    // Nobody listens where the second one leads. A connection that is closed in the middle would do, too, but that
+    // makes the engine's own network process crash now and then (WebKitGTK 2.52).
+    for (const char* misbehaviour : { "status 503", "redirect https://localhost:1/" }) {
         tellWeb(misbehaviour);
         // The line is written only when no reload is under way any more, so the one before has come to its end.
         ++reloads;
