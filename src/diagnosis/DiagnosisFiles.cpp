@@ -29,6 +29,20 @@ bool says(std::string_view record, const BlockingStatus& status)
     return withoutLease(record) == withoutLease(expected);
 }
 
+DiagnosisFacts::Preferences::Condition conditionOfPreferences(const DiagnosisPorts& ports)
+{
+    using Condition = DiagnosisFacts::Preferences::Condition;
+    const auto found = ports.pathFacts(ports.preferencesFile);
+    if (found.kind == PathKind::nothing)
+        return Condition::none;
+    if (found.kind == PathKind::unknown || !found.mayRead)
+        return Condition::unreadable;
+    if (found.kind != PathKind::file)
+        return Condition::damaged;
+    const auto bytes = ports.files.read(ports.preferencesFile);
+    return bytes && !ports.isPreferences(*bytes) ? Condition::damaged : Condition::there;
+}
+
 }
 
 std::optional<DiagnosisFacts::SharedState> sharedStateIn(
@@ -60,22 +74,9 @@ std::optional<DiagnosisFacts::SharedState> sharedStateIn(
 
 DiagnosisFacts::Preferences preferencesIn(const DiagnosisPorts& ports)
 {
-    using Condition = DiagnosisFacts::Preferences::Condition;
-    const auto& file = ports.preferencesFile;
-    DiagnosisFacts::Preferences preferences {
-        .file = file, .condition = Condition::there, .folder = ports.folderFacts(file.parent_path())
-    };
-    const auto found = ports.pathFacts(file);
-    if (found.kind == PathKind::nothing) {
-        preferences.condition = Condition::none;
-    } else if (found.kind == PathKind::unknown || !found.mayRead) {
-        preferences.condition = Condition::unreadable;
-    } else if (found.kind != PathKind::file) {
-        preferences.condition = Condition::damaged;
-    } else if (const auto bytes = ports.files.read(file); bytes && !ports.isPreferences(*bytes)) {
-        preferences.condition = Condition::damaged;
-    }
-    return preferences;
+    return { .file = ports.preferencesFile,
+        .condition = conditionOfPreferences(ports),
+        .folder = ports.folderFacts(ports.preferencesFile.parent_path()) };
 }
 
 bool isMarkerFresh(const DiagnosisPorts& ports, const std::filesystem::path& marker)
