@@ -87,11 +87,9 @@ void AlertPanelGtk::showIcon(Gtk::MessageDialog& dialog)
     if (!picture || !row)
         return; // The window has logged why.
     dialog.set_icon(*picture);
-    auto* const surface = gdk_cairo_surface_create_from_pixbuf((*picture)->gobj(), scale, nullptr);
-    auto& image = *Gtk::make_managed<Gtk::Image>(Cairo::RefPtr<Cairo::Surface>(new Cairo::Surface(surface, true)));
+    auto& image = *Gtk::make_managed<Gtk::Image>();
     image.set_valign(Gtk::ALIGN_START);
-    image.get_accessible()->set_name("Brevanta");
-    image.show();
+    showApplicationIcon(image, *picture, scale);
     row->pack_start(image, Gtk::PACK_SHRINK);
     row->reorder_child(image, 0);
 }

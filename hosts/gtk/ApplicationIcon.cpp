@@ -12,4 +12,12 @@ std::expected<Glib::RefPtr<Gdk::Pixbuf>, std::string> applicationIcon(
     }
 }
 
+void showApplicationIcon(Gtk::Image& image, const Glib::RefPtr<Gdk::Pixbuf>& icon, int scale)
+{
+    auto* const surface = gdk_cairo_surface_create_from_pixbuf(icon->gobj(), scale, nullptr);
+    image.set(Cairo::RefPtr<Cairo::Surface>(new Cairo::Surface(surface, true)));
+    image.get_accessible()->set_name("Brevanta");
+    image.show();
+}
+
 }

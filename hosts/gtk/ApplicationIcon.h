@@ -12,4 +12,7 @@ namespace brevanta {
 [[nodiscard]] std::expected<Glib::RefPtr<Gdk::Pixbuf>, std::string> applicationIcon(
     const std::filesystem::path& resources, int size, int scale);
 
+// Has the image show such a picture of this scale, under the application's name for who cannot see it.
+void showApplicationIcon(Gtk::Image& image, const Glib::RefPtr<Gdk::Pixbuf>& icon, int scale);
+
 }

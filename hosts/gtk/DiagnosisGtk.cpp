@@ -29,11 +29,6 @@ namespace brevanta {
 
 namespace {
 
-std::string versionText(const SystemVersion& version)
-{
-    return std::to_string(version.major) + '.' + std::to_string(version.minor) + '.' + std::to_string(version.patch);
-}
-
 std::string systemName(const SystemVersion& version)
 {
     const GLibPtr<char> name(g_get_os_info(G_OS_INFO_KEY_PRETTY_NAME));

@@ -62,10 +62,7 @@ void PlaceholderGtk::showIcon(const std::filesystem::path& resources)
     const auto icon = applicationIcon(resources, iconSize, scale);
     if (!icon)
         return; // The window has logged why.
-    auto* const surface = gdk_cairo_surface_create_from_pixbuf((*icon)->gobj(), scale, nullptr);
-    m_icon.set(Cairo::RefPtr<Cairo::Surface>(new Cairo::Surface(surface, true)));
-    m_icon.get_accessible()->set_name("Brevanta");
-    m_icon.show();
+    showApplicationIcon(m_icon, *icon, scale);
 }
 
 }

@@ -27,12 +27,6 @@ namespace brevanta {
 
 namespace {
 
-std::string versionText()
-{
-    const auto version = systemVersion();
-    return std::to_string(version.major) + '.' + std::to_string(version.minor) + '.' + std::to_string(version.patch);
-}
-
 // log(1); without an end of its own the system's log would be read for minutes.
 std::string howToReadTheLog(const BuildConfiguration& configuration)
 {
@@ -85,8 +79,8 @@ int runDiagnosis(const BuildConfiguration& configuration, DiagnosisFormat format
                 [&mainLoop, identifier = configuration.bundleIdentifier](auto onEnd) {
                     mainLoop.post([onEnd = std::move(onEnd), identifier] { onEnd(isRunningElsewhere(identifier)); });
                 },
-            .systemName = "macOS " + versionText(),
-            .systemVersion = versionText(),
+            .systemName = "macOS " + versionText(systemVersion()),
+            .systemVersion = versionText(systemVersion()),
             .minimumSystem = textInMainBundle(@"LSMinimumSystemVersion").value_or(""),
             .isAdministrator = isInGroup("admin"),
             .log = howToReadTheLog(configuration),

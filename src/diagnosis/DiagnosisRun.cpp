@@ -54,6 +54,7 @@ void DiagnosisRun::start()
     m_limit = m_ports.mainLoop.startTimer(timeLimit, TimerRepeat::once, [this] {
         // The exchange's thread is let go, so that the process can end.
         m_ports.localSockets.interrupt();
+        lookAtSharedState();
         end();
     });
     askService();
@@ -238,7 +239,10 @@ void DiagnosisRun::answered(Question question)
         return;
     lookAtSharedState();
     if (mayBeWrittenYet())
-        m_secondLook = m_ports.mainLoop.startTimer(secondLookAfter, TimerRepeat::once, [this] { end(); });
+        m_secondLook = m_ports.mainLoop.startTimer(secondLookAfter, TimerRepeat::once, [this] {
+            lookAtSharedState();
+            end();
+        });
     else
         end();
 }
@@ -250,7 +254,6 @@ void DiagnosisRun::end()
         return;
     m_limit.reset();
     m_secondLook.reset();
-    lookAtSharedState();
     m_facts.removal = removal();
     if (m_open.contains(Question::status))
         m_service.recordFailure(

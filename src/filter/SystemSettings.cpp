@@ -20,6 +20,11 @@ const char* securityPane(const SystemVersion& version)
 
 }
 
+std::string versionText(const SystemVersion& version)
+{
+    return std::to_string(version.major) + '.' + std::to_string(version.minor) + '.' + std::to_string(version.patch);
+}
+
 FilterApprovalPanes filterApprovalPanes(const SystemVersion& version)
 {
     if (version.major >= firstWithExtensionsSettings) {

@@ -14,6 +14,8 @@ struct SystemVersion {
     bool operator==(const SystemVersion&) const = default;
 };
 
+[[nodiscard]] std::string versionText(const SystemVersion& version); // "15.0.0"
+
 // Where the user allows the content filter: URLs for the workspace to open, and the way there in words.
 struct FilterApprovalPanes {
     std::string first;
